@@ -1,0 +1,146 @@
+#include "LIdarFactory.h"
+
+#include "RecordFile.h"
+#include "Tern.h"
+
+#include <QCoreApplication>
+#include <QThread>
+
+namespace {
+// Built before main() so that every model is known from the start.
+LIdarFactory g_factory;
+}
+
+LIdarFactory* LIdarFactory::GetInstance()
+{
+    return &g_factory;
+}
+
+QString LIdarFactory::VersionText()
+{
+    return QStringLiteral("RQ ScanDeck ：System64-Version 1.0.2");
+}
+
+LIdarFactory::LIdarFactory() : QObject(nullptr)
+{
+    workerThread = new QThread();
+    const QMetaObject* models[] = {
+        &Tern::staticMetaObject,
+    };
+    const ParseFunction parsers[] = {
+        &Tern::ParseRecordedPackets,
+    };
+    for (const QMetaObject* mo : models)
+        RegisterClass(mo);
+    for (size_t i = 0; i < sizeof(parsers) / sizeof(parsers[0]); ++i)
+        RegisterParseFunction(QString::fromLatin1(models[i]->className()), parsers[i]);
+}
+
+LIdarFactory::~LIdarFactory()
+{
+    Shutdown();
+}
+
+void LIdarFactory::Shutdown()
+{
+    stopWorker();
+    currentLidar.reset();
+    retireThread();
+    workerThread = nullptr;
+}
+
+void LIdarFactory::RegisterClass(const QMetaObject* metaObject)
+{
+    classMap.insert(metaObject->className(), metaObject);
+    const QString name = QString::fromLatin1(metaObject->className());
+    if (!registrationOrder_.contains(name))
+        registrationOrder_.append(name);
+}
+
+void LIdarFactory::RegisterParseFunction(const QString& name, const ParseFunction& function)
+{
+    parseMap.insert(name, function);
+}
+
+QStringList LIdarFactory::ModelNames() const
+{
+    return registrationOrder_;
+}
+
+void LIdarFactory::stopWorker()
+{
+    if (!workerThread || !workerThread->isRunning())
+        return;
+    // Bring the session home first so that its sockets are destroyed on the
+    // thread that owns them rather than on a stopped one.
+    if (currentLidar && currentLidar->thread() == workerThread) {
+        QThread* home = thread();
+        LidarAnalysis* session = currentLidar.get();
+        QMetaObject::invokeMethod(
+            session, [session, home] { session->moveToThread(home); }, Qt::BlockingQueuedConnection);
+    }
+    workerThread->quit();
+    workerThread->wait();
+}
+
+void LIdarFactory::retireThread()
+{
+    // A started thread deletes itself once finished; one never started is ours.
+    if (workerThread && !workerThread->isFinished())
+        delete workerThread;
+}
+
+std::shared_ptr<LidarAnalysis> LIdarFactory::CreateLidar(const QString& className)
+{
+    if (currentLidar)
+        currentLidar->WaitDisconnect();
+    if (className == currentName)
+        return currentLidar;
+
+    stopWorker();
+    retireThread();
+    workerThread = new QThread();
+
+    const QList<const char*> keys = classMap.keys();
+    const char* key = nullptr;
+    for (const char* candidate : keys) {
+        if (QString::fromLatin1(candidate) == className) {
+            key = candidate;
+            break;
+        }
+    }
+    if (!key)
+        return nullptr;
+
+    QObject* object = classMap.value(key)->newInstance();
+    currentLidar.reset(qobject_cast<LidarAnalysis*>(object));
+    connect(workerThread, &QThread::finished, workerThread, &QObject::deleteLater);
+    currentLidar->moveToThread(workerThread);
+    workerThread->start(QThread::InheritPriority);
+    currentName = className;
+    return currentLidar;
+}
+
+std::shared_ptr<LidarAnalysis> LIdarFactory::ChangeLidar(const QString& className)
+{
+    std::shared_ptr<LidarAnalysis> created = CreateLidar(className);
+    currentLidar = created;
+    return currentLidar;
+}
+
+std::shared_ptr<LidarAnalysis> LIdarFactory::GetCurrentLidar()
+{
+    return currentLidar;
+}
+
+QPair<QString, QVector<lidar::LidarDataPoint_V4>> LIdarFactory::ParseFile(const QString& fileName)
+{
+    QVector<QByteArray> elements = lidar::readRecordFile(fileName);
+    if (elements.isEmpty())
+        return {};  // "File has no data"
+    const QString name = QString::fromUtf8(elements.takeFirst());
+    const auto parser = parseMap.constFind(name);
+    if (parser == parseMap.constEnd())
+        return {name, {}};
+    return {name, (*parser)(elements)};
+}

@@ -1,0 +1,57 @@
+#pragma once
+// The registry of lidar models: for each class name the meta-object that
+// creates a live session and the static function that parses a recording.
+// It owns the worker thread of the current session. One instance per
+// process, built before main() runs.
+
+#include "LidarAnalysis.h"
+#include "LidarRecords.h"
+
+#include <QByteArray>
+#include <QMap>
+#include <QObject>
+#include <QPair>
+#include <QString>
+#include <QVector>
+#include <functional>
+#include <memory>
+
+class QThread;
+
+using ParseFunction = std::function<QVector<lidar::LidarDataPoint_V4>(const QVector<QByteArray>&)>;
+
+class LIdarFactory : public QObject {
+    Q_OBJECT
+public:
+    static LIdarFactory* GetInstance();
+
+    void RegisterClass(const QMetaObject* metaObject);
+    void RegisterParseFunction(const QString& name, const ParseFunction& function);
+
+    std::shared_ptr<LidarAnalysis> CreateLidar(const QString& className);
+    std::shared_ptr<LidarAnalysis> ChangeLidar(const QString& className);
+    std::shared_ptr<LidarAnalysis> GetCurrentLidar();
+    QPair<QString, QVector<lidar::LidarDataPoint_V4>> ParseFile(const QString& fileName);
+
+    // Registered class names in registration order.
+    QStringList ModelNames() const;
+    // Stops the worker thread and releases the session; the process-wide
+    // instance does this at exit, callers may do it earlier.
+    void Shutdown();
+
+    static QString VersionText();
+
+    LIdarFactory();
+    ~LIdarFactory() override;
+
+    QString currentName;
+    QThread* workerThread = nullptr;
+    std::shared_ptr<LidarAnalysis> currentLidar;
+    QMap<const char*, const QMetaObject*> classMap;
+    QMap<QString, ParseFunction> parseMap;
+
+private:
+    void stopWorker();
+    void retireThread();
+    QStringList registrationOrder_;
+};

@@ -1,0 +1,22 @@
+#pragma once
+// The recorded data file: one QDataStream-serialised QVector<QByteArray>.
+// Element 0 is the model's class name, for Tern_P element 1 its firmware
+// version number as decimal text, then the raw packets as they were cut.
+
+#include <QByteArray>
+#include <QIODevice>
+#include <QString>
+#include <QVector>
+
+namespace lidar {
+
+// Reads the element list from `device`. Safe on any input: elements are read
+// one by one and reading stops at the first that cannot be read, so a corrupt
+// count or a cut file yields the elements before the damage.
+QVector<QByteArray> readRecordElements(QIODevice& device);
+// The same from a file; an unreadable file gives an empty list.
+QVector<QByteArray> readRecordFile(const QString& fileName);
+// Writes `elements` the way readRecordElements reads them.
+bool writeRecordElements(QIODevice& device, const QVector<QByteArray>& elements);
+
+}  // namespace lidar

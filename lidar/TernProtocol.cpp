@@ -1,0 +1,146 @@
+#include "TernProtocol.h"
+
+#include <ctime>
+
+namespace lidar {
+namespace tern {
+
+using decode::kHeader;
+using decode::kTrailer;
+
+QByteArray cutPiece(QByteArray& buffer, int fallbackLength)
+{
+    const int start = buffer.indexOf(kHeader);
+    if (start < 0)
+        return QByteArray();
+    const int end = buffer.indexOf(kTrailer, start);
+    if (end < 0) {
+        if (fallbackLength <= 0 || buffer.size() < fallbackLength)
+            return QByteArray();
+        // A reply may carry no trailer where the scan expects one.
+        QByteArray piece = buffer.mid(start, fallbackLength);
+        buffer.remove(0, start + fallbackLength);
+        return piece;
+    }
+    QByteArray piece = buffer.mid(start, end + 2 - start);
+    buffer.remove(0, end + 2);
+    return piece;
+}
+
+bool lacksTrailer(const QByteArray& piece)
+{
+    const int start = piece.indexOf(kHeader);
+    // Without a header the trailer search starts at the last byte.
+    const int from = start < 0 ? piece.size() - 1 : start;
+    return piece.indexOf(kTrailer, from) < 0;
+}
+
+uint8_t filterCode(int mode)
+{
+    switch (mode) {
+    case 0: return 11;
+    case 1: return 10;
+    case 2: return 12;
+    default: return 0;
+    }
+}
+
+int filterModeFromCode(uint8_t code)
+{
+    if (code == 11)
+        return 0;
+    if (code == 12)
+        return 2;
+    return 1;
+}
+
+void spreadPoints(float startAzimuth, const Measurement* measurements, int count,
+                  decode::DecodedPacket& out)
+{
+    if (count <= 0)
+        return;
+    const float step = static_cast<float>(15.0 / count);
+    for (int i = 0; i < count; ++i) {
+        const float azimuth = static_cast<float>(i) * step + startAzimuth;
+        out.points.push_back(
+            decode::makePoint(0, azimuth, measurements[i].distance, measurements[i].intensity));
+    }
+}
+
+CalendarTime readCalendar(const QByteArray& p, int offset)
+{
+    using decode::be16;
+    using decode::u8;
+    return CalendarTime{u8(p, offset) + 2000,     u8(p, offset + 1), u8(p, offset + 2),
+                        u8(p, offset + 3),        u8(p, offset + 4), u8(p, offset + 5),
+                        be16(p, offset + 6),      be16(p, offset + 8)};
+}
+
+uint64_t packetTimeNs(const CalendarTime& t)
+{
+    std::tm tm{};
+    tm.tm_year = t.year - 1900;
+    tm.tm_mon = t.month - 1;
+    tm.tm_mday = t.day;
+    tm.tm_hour = t.hour;
+    tm.tm_min = t.minute;
+    tm.tm_sec = t.second;
+    tm.tm_isdst = 0;
+    const double ns = double(std::mktime(&tm)) * 1e9 + t.millisecond * 1e6 + t.microsecond * 1e3;
+    return static_cast<uint64_t>(ns);
+}
+
+QString dateTimeText(const CalendarTime& t)
+{
+    return QStringLiteral("%1-%2-%3 %4:%5:%6:%7")
+        .arg(t.year)
+        .arg(t.month)
+        .arg(t.day)
+        .arg(t.hour)
+        .arg(t.minute)
+        .arg(t.second)
+        .arg(t.millisecond);
+}
+
+GPSTime PacketClock::stamp(const CalendarTime& t, uint64_t nowNs) const
+{
+    GPSTime g;
+    g.year = t.year;
+    g.month = t.month;
+    g.day = t.day;
+    g.hour = t.hour;
+    g.minute = t.minute;
+    g.second = t.second;
+    g.millisecond = t.millisecond;
+    g.microsecond = t.microsecond;
+    g.previousNs = previousNs;
+    g.currentNs = nowNs;
+    const CalendarTime& p = previousFields;
+    const int32_t fields[8] = {p.year, p.month, p.day, p.hour, p.minute, p.second, p.millisecond, p.microsecond};
+    std::copy(fields, fields + 8, g.previous);
+    return g;
+}
+
+void stampPoints(decode::DecodedPacket& packet, uint64_t nowNs, uint64_t previousNs)
+{
+    const uint64_t n = packet.points.size();
+    if (n == 0)
+        return;
+    const uint64_t dt = (nowNs - previousNs) / n;
+    for (uint64_t i = 0; i < n; ++i) {
+        const int32_t offset = static_cast<int32_t>((n - 1 - i) * dt);
+        packet.points[i].point.timestamp = static_cast<int64_t>((nowNs - offset) / 1000000u);
+    }
+}
+
+uint64_t applyCalendar(decode::DecodedPacket& packet, const CalendarTime& t, uint64_t previousNs)
+{
+    packet.hasDateTime = true;
+    packet.dateTime = dateTimeText(t);
+    const uint64_t now = packetTimeNs(t);
+    stampPoints(packet, now, previousNs);
+    return now;
+}
+
+}  // namespace tern
+}  // namespace lidar
