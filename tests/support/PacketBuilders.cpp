@@ -36,6 +36,8 @@ QByteArray ternReply(std::initializer_list<uint8_t> dateVersion, uint8_t filterC
     for (uint8_t b : dateVersion)
         p[i++] = char(b);
     p[181] = char(filterCode);
+    p[184] = char(0xFA);
+    p[185] = char(0xFB);
     return p;
 }
 

@@ -15,7 +15,8 @@ void putBe16(QByteArray& packet, int offset, uint16_t value);
 QByteArray ternPacket(uint16_t startCentidegrees, uint16_t period, const QVector<uint16_t>& words);
 // The same with every one of the 42 words set to `word`.
 QByteArray ternPacketFilled(uint16_t startCentidegrees, uint16_t period, uint16_t word);
-// A 186-byte Tern parameters reply: date, version and filter code at 175..181.
+// A 186-byte Tern parameters reply: date, version and filter code at 175..181,
+// FA FB in its last two bytes.
 QByteArray ternReply(std::initializer_list<uint8_t> dateVersion, uint8_t filterCode);
 
 // Data packets for `revolutions` whole turns of a Tern at 15 degrees a packet,
