@@ -1,0 +1,319 @@
+#include "OffinePlayWidget.h"
+
+#include "LIdarFactory.h"
+#include "ui_OffinePlayWidget.h"
+
+#include <QDir>
+#include <QFileDialog>
+#include <QKeyEvent>
+#include <QMessageBox>
+#include <QTimerEvent>
+
+namespace {
+
+// Timer interval of each speed in the combo box: X0.5, X1, X2, X3.
+constexpr int kSpeedIntervals[] = {200, 100, 50, 33};
+
+lidar::LidarDataPoint_V4 emptyFrame()
+{
+    return lidar::LidarDataPoint_V4{};  // ambient and motor speed -1, no points
+}
+
+}  // namespace
+
+OffinePlayWidget::OffinePlayWidget(QWidget* parent) : QWidget(parent), ui(new Ui::OffinePlayWidget)
+{
+    ui->setupUi(this);
+    setMessageHook(nullptr);
+    setOpenFileHook(nullptr);
+    setControlsLoaded(false);
+    ui->spinBox_progress->installEventFilter(this);
+    connectControls();
+}
+
+OffinePlayWidget::~OffinePlayWidget()
+{
+    delete ui;
+}
+
+void OffinePlayWidget::setMessageHook(MessageHook hook)
+{
+    if (hook) {
+        messageHook = std::move(hook);
+        return;
+    }
+    messageHook = [this](const QString& title, const QString& text) { QMessageBox::information(this, title, text); };
+}
+
+void OffinePlayWidget::setOpenFileHook(OpenFileHook hook)
+{
+    if (hook) {
+        openFileHook = std::move(hook);
+        return;
+    }
+    openFileHook = [this](const QString& caption, const QString& directory, const QString& filter) {
+        return QFileDialog::getOpenFileName(this, caption, directory, filter);
+    };
+}
+
+void OffinePlayWidget::inform(const QString& title, const QString& text)
+{
+    messageHook(title, text);
+}
+
+void OffinePlayWidget::connectControls()
+{
+    connect(ui->btn_open_file, &QPushButton::clicked, this, &OffinePlayWidget::openFile);
+    connect(ui->btn_last, &QPushButton::clicked, this, &OffinePlayWidget::previousFrame);
+    connect(ui->btn_play, &QPushButton::clicked, this, &OffinePlayWidget::playPause);
+    connect(ui->btn_next, &QPushButton::clicked, this, &OffinePlayWidget::nextFrame);
+    connect(ui->btn_circulation, &QPushButton::toggled, this, [this](bool checked) { loop = checked; });
+    connect(ui->btn_stop, &QPushButton::clicked, this, &OffinePlayWidget::stop);
+    connect(ui->comboBox, QOverload<int>::of(&QComboBox::currentIndexChanged), this, &OffinePlayWidget::setSpeed);
+
+    // Dragging reports through sliderMoved; clicks on the groove and keys
+    // only through actionTriggered, before the value itself moves.
+    connect(ui->horizontalSlider, &QSlider::sliderMoved, this, &OffinePlayWidget::seekFromSlider);
+    connect(ui->horizontalSlider, &QSlider::actionTriggered, this, [this](int action) {
+        if (action != QAbstractSlider::SliderNoAction && action != QAbstractSlider::SliderMove)
+            seekFromSlider(ui->horizontalSlider->sliderPosition());
+    });
+
+    connect(ui->btn_table, &QPushButton::clicked, this, &OffinePlayWidget::SendShowTableWidgetSignal);
+    connect(ui->btn_export_csv, &QPushButton::clicked, this, [this](bool checked) {
+        if (exportAction)
+            exportAction(ui->btn_export_csv, checked);
+        else
+            ui->btn_export_csv->setChecked(false);  // nothing would ever end it
+    });
+    connect(this, &OffinePlayWidget::SendEndSaveDataSignal, this, &OffinePlayWidget::showFileSaved);
+}
+
+void OffinePlayWidget::setControlsLoaded(bool isLoaded)
+{
+    ui->btn_open_file->setEnabled(!isLoaded);
+    for (QWidget* control : {static_cast<QWidget*>(ui->btn_export_csv), static_cast<QWidget*>(ui->comboBox),
+                             static_cast<QWidget*>(ui->btn_stop), static_cast<QWidget*>(ui->btn_last),
+                             static_cast<QWidget*>(ui->btn_next), static_cast<QWidget*>(ui->btn_play),
+                             static_cast<QWidget*>(ui->spinBox_progress),
+                             static_cast<QWidget*>(ui->horizontalSlider)})
+        control->setEnabled(isLoaded);
+    ui->btn_circulation->setEnabled(true);
+    ui->btn_table->setEnabled(true);
+}
+
+void OffinePlayWidget::openFile()
+{
+    const auto session = LIdarFactory::GetInstance()->GetCurrentLidar();
+    if (session && session->connected) {
+        inform(tr("information"), tr("Please disconnect first!"));
+        return;
+    }
+    const QString path = openFileHook(tr("Open File"), QDir::homePath() + "/", QStringLiteral("*.txt"));
+    if (path.isEmpty())
+        return;
+    const auto parsed = LIdarFactory::GetInstance()->ParseFile(path);
+    if (parsed.second.isEmpty()) {
+        inform(tr("information"), tr("Unable to parse this file"));
+        return;
+    }
+    loadFrames(parsed.first, parsed.second);
+}
+
+void OffinePlayWidget::loadFrames(const QString& name, const QVector<lidar::LidarDataPoint_V4>& newFrames)
+{
+    frames = newFrames;
+    if (frames.isEmpty()) {
+        inform(tr("information"), tr("Unable to parse this file"));
+        return;
+    }
+    loaded = true;
+    current = 0;
+    count = frames.size();
+
+    ui->horizontalSlider->setValue(0);
+    ui->spinBox_progress->setValue(1);
+    ui->horizontalSlider->setRange(1, count);
+    ui->spinBox_progress->setRange(1, count);
+    ui->label_maxNum->setText(QStringLiteral("/") + QString::number(count));
+
+    setControlsLoaded(true);
+    emit SendLidarTypeSignal(name);
+    emit SendLidarDataSignal(frames.first());
+}
+
+void OffinePlayWidget::startPlaybackTimer()
+{
+    timerId = startTimer(interval, Qt::PreciseTimer);
+}
+
+void OffinePlayWidget::stopPlaybackTimer()
+{
+    if (timerId != -1)
+        killTimer(timerId);
+    timerId = -1;
+}
+
+void OffinePlayWidget::playPause()
+{
+    const bool wasPlaying = playing;
+    playing = !playing;
+    if (frames.isEmpty())
+        return;
+    if (wasPlaying) {
+        ui->btn_play->setChecked(false);
+        stopPlaybackTimer();
+        return;
+    }
+    if (current == count)
+        current = 0;  // played to the end: start over
+    ui->btn_play->setChecked(true);
+    stopPlaybackTimer();  // never leave a second timer running
+    startPlaybackTimer();
+}
+
+void OffinePlayWidget::timerEvent(QTimerEvent* event)
+{
+    if (event->timerId() != timerId || timerId == -1) {
+        QWidget::timerEvent(event);
+        return;
+    }
+    if (current >= count) {
+        if (!loop) {
+            // The end of the file stops playback on the last frame.
+            playing = false;
+            stopPlaybackTimer();
+            ui->btn_play->setChecked(false);
+        } else {
+            current = 0;  // the first frame comes with the next tick
+        }
+        return;
+    }
+    emit SendLidarDataSignal(frames.at(current));
+    ++current;
+    ui->horizontalSlider->setValue(current);
+    ui->spinBox_progress->setValue(current);
+}
+
+void OffinePlayWidget::setSpeed(int index)
+{
+    if (index < 0 || index >= int(sizeof(kSpeedIntervals) / sizeof(kSpeedIntervals[0])))
+        return;
+    interval = kSpeedIntervals[index];
+    if (playing && timerId != -1) {
+        stopPlaybackTimer();
+        startPlaybackTimer();
+    }
+}
+
+void OffinePlayWidget::showFrameAt(int position)
+{
+    current = position;
+    emit SendLidarDataSignal(frames.at(current - 1));
+    ui->horizontalSlider->setValue(current);
+    ui->spinBox_progress->setValue(current);
+}
+
+void OffinePlayWidget::previousFrame()
+{
+    if (frames.isEmpty())
+        return;
+    showFrameAt(qMax(current - 1, 1));
+}
+
+void OffinePlayWidget::nextFrame()
+{
+    if (frames.isEmpty())
+        return;
+    showFrameAt(qMin(current + 1, count));
+}
+
+void OffinePlayWidget::seekFromSlider(int value)
+{
+    if (value < 1 || value > count || frames.isEmpty())
+        return;
+    current = value;
+    ui->spinBox_progress->setValue(value);
+    emit SendLidarDataSignal(frames.at(value - 1));
+}
+
+bool OffinePlayWidget::eventFilter(QObject* watched, QEvent* event)
+{
+    if (watched == ui->spinBox_progress && event->type() == QEvent::KeyPress) {
+        const int key = static_cast<QKeyEvent*>(event)->key();
+        if (key == Qt::Key_Return || key == Qt::Key_Enter) {
+            seekFromSpinBox();
+            return true;
+        }
+    }
+    return QWidget::eventFilter(watched, event);
+}
+
+void OffinePlayWidget::seekFromSpinBox()
+{
+    if (frames.isEmpty())
+        return;
+    // Judge the typed text, not value(): text the range rejects (0, an empty
+    // box) never becomes the value, and silently showing the old position
+    // instead would hide the mistake.
+    QSpinBox* box = ui->spinBox_progress;
+    bool isNumber = false;
+    const int typed = box->cleanText().toInt(&isNumber);
+    if (!isNumber || typed < 1 || typed > count) {
+        inform(tr("information"), tr("There is an error in the input. Please enter it again"));
+        box->setValue(qBound(1, current, count));
+        box->selectAll();
+        return;
+    }
+    box->setValue(typed);
+    current = typed;
+    ui->horizontalSlider->setValue(current);
+    emit SendLidarDataSignal(frames.at(current - 1));
+}
+
+void OffinePlayWidget::stop()
+{
+    playing = false;
+    loaded = false;
+    stopPlaybackTimer();
+    frames.clear();
+    packets.clear();
+    current = 0;
+    count = 0;
+    ui->label_maxNum->setText(QStringLiteral("0"));
+    ui->btn_play->setChecked(false);
+    ui->spinBox_progress->clear();
+    setControlsLoaded(false);
+    emit SendLidarDataSignal(emptyFrame());
+}
+
+void OffinePlayWidget::showFileSaved(const QString& fileName)
+{
+    inform(tr("File saved"), tr("File save path:%1").arg(fileName));
+    ui->btn_export_csv->setChecked(false);
+    ui->btn_export_csv->setText(tr("Export CSV"));
+}
+
+void OffinePlayWidget::retranslate()
+{
+    // A running export keeps the state text the main window gave the button.
+    const bool exporting = ui->btn_export_csv->isChecked();
+    const QString exportText = ui->btn_export_csv->text();
+    ui->retranslateUi(this);
+    if (exporting)
+        ui->btn_export_csv->setText(exportText);
+    ui->label_maxNum->setText(QStringLiteral("/") + QString::number(count));
+}
+
+void OffinePlayWidget::showEvent(QShowEvent* event)
+{
+    retranslate();
+    QWidget::showEvent(event);
+}
+
+void OffinePlayWidget::changeEvent(QEvent* event)
+{
+    if (event->type() == QEvent::LanguageChange)
+        retranslate();
+    QWidget::changeEvent(event);
+}
