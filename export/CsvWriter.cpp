@@ -1,0 +1,117 @@
+#include "CsvWriter.h"
+
+#include "NumberText.h"
+
+#include <QIODevice>
+
+namespace {
+
+constexpr int kChunk = 1 << 16;
+// Nine fields of at most kMaxLength characters, their commas and the newline.
+constexpr int kMaxLine = 9 * numbertext::kMaxLength + 10;
+
+char* writeLine(char* out, int frameNumber, int32_t id, const lidar::LidarPoint& p)
+{
+    using namespace numbertext;
+    out = writeInteger(out, frameNumber);
+    *out++ = ',';
+    out = writeInteger(out, id);
+    *out++ = ',';
+    out = writeShortest(out, p.x);
+    *out++ = ',';
+    out = writeShortest(out, p.y);
+    *out++ = ',';
+    out = writeShortest(out, p.z);
+    *out++ = ',';
+    out = writeShortest(out, p.azimuth);
+    *out++ = ',';
+    out = writeShortest(out, p.distance / 1000.0);
+    *out++ = ',';
+    out = writeInteger(out, p.intensity);
+    *out++ = ',';
+    out = writeInteger(out, p.timestamp);
+    *out++ = '\n';
+    return out;
+}
+
+}  // namespace
+
+CsvWriter::CsvWriter(QIODevice* device) : device_(device)
+{
+    pending_.reserve(kChunk + kMaxLine);
+}
+
+CsvWriter::~CsvWriter()
+{
+    flush();
+}
+
+void CsvWriter::setAngleRange(float startAngle, float endAngle)
+{
+    startAngle_ = startAngle;
+    endAngle_ = endAngle;
+}
+
+bool CsvWriter::inAngleRange(float azimuth, float startAngle, float endAngle)
+{
+    return startAngle <= azimuth && azimuth <= endAngle;
+}
+
+void CsvWriter::writeHeader()
+{
+    pending_.append(kHeader);
+    writePending(false);
+}
+
+qint64 CsvWriter::writeFrame(int frameNumber, const lidar::LidarDataPoint_V4& frame)
+{
+    qint64 written = 0;
+    for (auto line = frame.points.constBegin(); line != frame.points.constEnd(); ++line) {
+        for (const lidar::LidarPoint& p : line.value()) {
+            if (!inAngleRange(p.azimuth, startAngle_, endAngle_))
+                continue;
+            writePoint(frameNumber, line.key(), p);
+            ++written;
+        }
+    }
+    return written;
+}
+
+void CsvWriter::writePoint(int frameNumber, int32_t id, const lidar::LidarPoint& point)
+{
+    const int used = pending_.size();
+    pending_.resize(used + kMaxLine);
+    char* end = writeLine(pending_.data() + used, frameNumber, id, point);
+    pending_.resize(int(end - pending_.constData()));
+    writePending(false);
+}
+
+QByteArray CsvWriter::pointLine(int frameNumber, int32_t id, const lidar::LidarPoint& point)
+{
+    char line[kMaxLine];
+    return QByteArray(line, int(writeLine(line, frameNumber, id, point) - line));
+}
+
+void CsvWriter::writePending(bool force)
+{
+    if (pending_.isEmpty() || (!force && pending_.size() < kChunk))
+        return;
+    if (!device_ || !device_->isWritable() || device_->write(pending_) != pending_.size())
+        failed_ = true;
+    pending_.resize(0);  // keeps the capacity
+}
+
+bool CsvWriter::flush()
+{
+    writePending(true);
+    return !failed_;
+}
+
+QString CsvWriter::errorString() const
+{
+    if (!failed_)
+        return QString();
+    if (!device_)
+        return QStringLiteral("no device");
+    return device_->errorString().isEmpty() ? QStringLiteral("write failed") : device_->errorString();
+}
