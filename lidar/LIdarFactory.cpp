@@ -2,6 +2,11 @@
 
 #include "RecordFile.h"
 #include "Tern.h"
+#include "Tern_GPS.h"
+#include "Tern_P.h"
+#include "Tern_Plus.h"
+#include "Wren_Kite.h"
+#include "Wren_Plus.h"
 
 #include <QCoreApplication>
 #include <QThread>
@@ -25,10 +30,12 @@ LIdarFactory::LIdarFactory() : QObject(nullptr)
 {
     workerThread = new QThread();
     const QMetaObject* models[] = {
-        &Tern::staticMetaObject,
+        &Wren_Kite::staticMetaObject, &Wren_Plus::staticMetaObject, &Tern::staticMetaObject,
+        &Tern_GPS::staticMetaObject,  &Tern_P::staticMetaObject,    &Tern_Plus::staticMetaObject,
     };
     const ParseFunction parsers[] = {
-        &Tern::ParseRecordedPackets,
+        &Wren_Kite::ParseRecordedPackets, &Wren_Plus::ParseRecordedPackets, &Tern::ParseRecordedPackets,
+        &Tern_GPS::ParseRecordedPackets,  &Tern_P::ParseRecordedPackets,    &Tern_Plus::ParseRecordedPackets,
     };
     for (const QMetaObject* mo : models)
         RegisterClass(mo);

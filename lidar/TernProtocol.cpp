@@ -1,6 +1,8 @@
 #include "TernProtocol.h"
 
+#include <algorithm>
 #include <ctime>
+#include <vector>
 
 namespace lidar {
 namespace tern {
@@ -67,6 +69,57 @@ void spreadPoints(float startAzimuth, const Measurement* measurements, int count
     }
 }
 
+void decodeBody(const QByteArray& packet, int angleOffset, int wordsOffset, int wordCount,
+                WordEncoding encoding, bool dropsThe41st, decode::DecodedPacket& out)
+{
+    using decode::be16;
+    out.reset();
+    out.motorSpeed = decode::motorSpeedFromPeriod(be16(packet, angleOffset + 2));
+    // The 41st measurement is kept only when the 40th word is zero.
+    const bool drop41st = dropsThe41st && wordCount > 40 && be16(packet, wordsOffset + 2 * 39) != 0;
+    std::vector<Measurement> measurements;
+    measurements.reserve(size_t(std::max(wordCount, 0)));
+    for (int w = 0; w < wordCount; ++w) {
+        if (drop41st && w == 40)
+            continue;
+        const uint16_t word = be16(packet, wordsOffset + 2 * w);
+        if (encoding.skipsNoMeasurement && word == 0xFFFF)
+            continue;
+        const bool flag = (word & 0x8000) != 0;
+        measurements.push_back({encoding.masksFlag ? (word & 0x7FFF) : word,
+                                (encoding.flagIsIntensity && flag) ? 255 : 0});
+    }
+    const float start = static_cast<float>(be16(packet, angleOffset) / 100.0);
+    spreadPoints(start, measurements.data(), int(measurements.size()), out);
+}
+
+CalendarTime decodeVariablePacket(const QByteArray& packet, WordEncoding encoding, decode::DecodedPacket& out)
+{
+    decodeBody(packet, 4, kVariableWordsOffset, variableWordCount(packet.size()), encoding, false, out);
+    return readCalendar(packet, packet.size() - 12);
+}
+
+void readReply(const QByteArray& reply, int versionOffset, LidarParam& param)
+{
+    param.text = decode::versionText(reply, versionOffset, true);
+    param.value1 = filterModeFromCode(decode::u8(reply, 181));
+}
+
+QByteArray readParamCommand(uint8_t commandClass, uint8_t frequency)
+{
+    return decode::commandPacket(commandClass, 0x03, frequency);
+}
+
+QByteArray setFrequencyCommand(uint8_t frequency)
+{
+    return decode::commandPacket(kClass55, 0x01, frequency);
+}
+
+QByteArray setFilterCommand(uint8_t commandClass, int mode, uint8_t frequency)
+{
+    return decode::commandPacket(commandClass, 0x06, frequency, {{181, filterCode(mode)}});
+}
+
 CalendarTime readCalendar(const QByteArray& p, int offset)
 {
     using decode::be16;
@@ -119,6 +172,15 @@ GPSTime PacketClock::stamp(const CalendarTime& t, uint64_t nowNs) const
     const int32_t fields[8] = {p.year, p.month, p.day, p.hour, p.minute, p.second, p.millisecond, p.microsecond};
     std::copy(fields, fields + 8, g.previous);
     return g;
+}
+
+GPSTime PacketClock::apply(decode::DecodedPacket& packet, const CalendarTime& t)
+{
+    const uint64_t now = applyCalendar(packet, t, previousNs);
+    const GPSTime record = stamp(t, now);
+    if (!packet.points.empty())
+        remember(t, now);
+    return record;
 }
 
 void stampPoints(decode::DecodedPacket& packet, uint64_t nowNs, uint64_t previousNs)

@@ -4,6 +4,7 @@
 // filter codes, and GPS calendar time stamps (Tern_P, Tern_GPS, Tern_Plus).
 
 #include "DecodeCommon.h"
+#include "LidarAnalysis.h"
 
 #include <QByteArray>
 #include <QString>
@@ -42,6 +43,37 @@ inline bool lengthFieldMatches(const QByteArray& piece)
 // A piece contains no trailer at or after its first header (ends an offline parse).
 bool lacksTrailer(const QByteArray& piece);
 
+// The offline loop of every Tern model: from element `first` on, a piece
+// without trailer ends the parse, pieces `isDataPacket` rejects are skipped,
+// the others go to `place` in order.
+template <typename IsDataPacket, typename Place>
+void parseRecorded(const QVector<QByteArray>& packets, int first, IsDataPacket&& isDataPacket, Place&& place)
+{
+    for (int i = first; i < packets.size(); ++i) {
+        if (lacksTrailer(packets[i]))
+            return;
+        if (isDataPacket(packets[i]))
+            place(packets[i]);
+    }
+}
+
+// Length-field packets (Tern_P, Tern_Plus): header, length, start angle,
+// period word, distance words from offset 8, then eight calendar bytes and
+// the trailer in the last 12 bytes.
+constexpr int kVariableWordsOffset = 8;
+constexpr int kVariableOverhead = 20;
+// A data packet: its length field equals its length and it has room for the
+// fixed fields.
+inline bool isVariableDataPacket(const QByteArray& piece)
+{
+    return piece.size() >= kVariableOverhead && lengthFieldMatches(piece);
+}
+// ceil((L - 20) / 2) words: an odd byte count still makes a last word.
+inline int variableWordCount(int packetSize)
+{
+    return (packetSize - kVariableOverhead + 1) / 2;
+}
+
 // Filter modes 0 "Normal filtering", 1 "No filtering", 2 "Within three meters".
 uint8_t filterCode(int mode);         // 11, 10, 12; 0 for any other mode
 int filterModeFromCode(uint8_t code);  // 11 -> 0, 12 -> 2, anything else -> 1
@@ -56,6 +88,40 @@ struct Measurement {
 void spreadPoints(float startAzimuth, const Measurement* measurements, int count,
                   decode::DecodedPacket& out);
 
+// How a model reads its 16-bit distance words.
+struct WordEncoding {
+    bool skipsNoMeasurement;  // FFFF means no measurement and makes no point
+    bool masksFlag;           // bit 15 is not part of the distance
+    bool flagIsIntensity;     // bit 15 set gives intensity 255, else 0
+};
+// Tern, and Tern_P before firmware 215.
+constexpr WordEncoding kFlaggedWords{true, true, true};
+// Tern_GPS: bit 15 is ignored, intensity is always 0.
+constexpr WordEncoding kFlagIgnoredWords{true, true, false};
+// Tern_P from firmware 215: the whole word is the distance.
+constexpr WordEncoding kPlainWords{false, false, false};
+// Tern_Plus: the whole word is the distance and bit 15 still gives intensity.
+constexpr WordEncoding kUnmaskedFlaggedWords{false, false, true};
+
+// Decodes the body every Tern model shares: the start angle (1/100 degree)
+// at `angleOffset`, the period word right after it, and `wordCount` distance
+// words from `wordsOffset`, spread over 15 degrees. With `dropsThe41st` the
+// 41st word is discarded unless the 40th is zero (Tern, Tern_GPS).
+void decodeBody(const QByteArray& packet, int angleOffset, int wordsOffset, int wordCount,
+                WordEncoding encoding, bool dropsThe41st, decode::DecodedPacket& out);
+
+// Version text ("%1.%2.%3-V%4.%5.%6", signed bytes) from the six bytes at
+// `versionOffset` and the filter mode from byte 181 of a parameters reply.
+void readReply(const QByteArray& reply, int versionOffset, LidarParam& param);
+
+// Command packets. Tern reads parameters with class 0x01 and filters with
+// 0x55; Tern_P, Tern_GPS and Tern_Plus the other way round.
+constexpr uint8_t kClass01 = 0x01;
+constexpr uint8_t kClass55 = 0x55;
+QByteArray readParamCommand(uint8_t commandClass, uint8_t frequency);      // code 0x03
+QByteArray setFrequencyCommand(uint8_t frequency);                          // class 0x55, code 0x01
+QByteArray setFilterCommand(uint8_t commandClass, int mode, uint8_t frequency);  // code 0x06, filter code at 181
+
 // Calendar fields of a GPS-stamped packet (year already + 2000).
 struct CalendarTime {
     int32_t year, month, day, hour, minute, second, millisecond, microsecond;
@@ -63,6 +129,9 @@ struct CalendarTime {
 // Eight calendar bytes: year-2000, month, day, hour, minute, second, then
 // 16-bit millisecond and microsecond.
 CalendarTime readCalendar(const QByteArray& packet, int offset);
+// Points of a length-field packet (Tern_P, Tern_Plus), time stamps not yet
+// set; returns its calendar time, read 12 bytes before its end.
+CalendarTime decodeVariablePacket(const QByteArray& packet, WordEncoding encoding, decode::DecodedPacket& out);
 // mktime of the local calendar time (no daylight saving) in ns, plus ms and us.
 uint64_t packetTimeNs(const CalendarTime& t);
 // "%1-%2-%3 %4:%5:%6:%7": year, month, day, hour, minute, second, millisecond.
@@ -80,6 +149,10 @@ struct PacketClock {
         previousFields = t;
         previousNs = nowNs;
     }
+    // Dates a decoded packet taken at `t`: its dateTime text and point time
+    // stamps. Returns the time record to report. A packet without points
+    // stamps nothing and is not remembered.
+    GPSTime apply(decode::DecodedPacket& packet, const CalendarTime& t);
 };
 
 // Point timestamps in ms, rising evenly through the packet so that the last

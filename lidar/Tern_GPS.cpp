@@ -1,0 +1,71 @@
+#include "Tern_GPS.h"
+
+#include "Tern.h"
+
+using namespace lidar::decode;
+namespace tern = lidar::tern;
+
+float Tern_GPS::previousAzimuth = -1.0f;
+tern::PacketClock Tern_GPS::packetClock;
+int Tern_GPS::filterAttempts = 0;
+
+Tern_GPS::Tern_GPS(QObject* parent) : LidarAnalysis(parent) {}
+
+tern::CalendarTime Tern_GPS::DecodePacket(const QByteArray& packet, DecodedPacket& out)
+{
+    tern::decodeBody(packet, 2, 6, 42, tern::kFlagIgnoredWords, true, out);
+    return tern::readCalendar(packet, kCalendarOffset);
+}
+
+void Tern_GPS::ParseLidarData()
+{
+    tern::parseStream(receiveBuffer, kPacketSize, kReplySize, [this](const QByteArray& piece) {
+        if (piece.size() == kPacketSize) {
+            recordPacket(piece);
+            const tern::CalendarTime time = DecodePacket(piece, decoded_);
+            emit SendGPSTimeData(packetClock.apply(decoded_, time));
+            placePoints<float>(decoded_, currentFrame, lastFrame, previousAzimuth, [this] { finishFrame(); });
+            return true;
+        }
+        if (piece.size() == kReplySize) {
+            replyReceived = 1;
+            Tern::DecodeReply(piece, param);  // same bytes as Tern's, at 175..181
+            SetMotorFrequency(param.frequency);
+            return true;
+        }
+        return false;
+    });
+}
+
+QVector<lidar::LidarDataPoint_V4> Tern_GPS::ParseRecordedPackets(const QVector<QByteArray>& packets)
+{
+    static OfflineFrames<float> frames;
+    static tern::PacketClock clock;
+    QVector<lidar::LidarDataPoint_V4> result;
+    DecodedPacket decoded;
+    tern::parseRecorded(
+        packets, 0, [](const QByteArray& packet) { return packet.size() == kPacketSize; },
+        [&](const QByteArray& packet) {
+            const tern::CalendarTime time = DecodePacket(packet, decoded);
+            clock.apply(decoded, time);
+            frames.place<float>(decoded, result);
+        });
+    return result;
+}
+
+QByteArray Tern_GPS::ReadParamCommand()
+{
+    return tern::readParamCommand(tern::kClass55, param.frequency);
+}
+
+void Tern_GPS::SetMotorFrequency(quint8 frequency)
+{
+    param.frequency = frequency;
+    sendTwice(tern::setFrequencyCommand(frequency));
+}
+
+void Tern_GPS::SetLidarFilter(int mode)
+{
+    sendWithRetries(tern::setFilterCommand(tern::kClass01, mode, param.frequency), filterAttempts);
+    SetMotorFrequency(param.frequency);
+}

@@ -1,0 +1,78 @@
+#include "Tern_P.h"
+
+using namespace lidar::decode;
+namespace tern = lidar::tern;
+
+float Tern_P::previousAzimuth = -1.0f;
+tern::PacketClock Tern_P::packetClock;
+int Tern_P::filterAttempts = 0;
+
+Tern_P::Tern_P(QObject* parent) : LidarAnalysis(parent) {}
+
+tern::CalendarTime Tern_P::DecodePacket(const QByteArray& packet, uint32_t version, DecodedPacket& out)
+{
+    const tern::WordEncoding encoding = version < kPlainWordsFrom ? tern::kFlaggedWords : tern::kPlainWords;
+    return tern::decodeVariablePacket(packet, encoding, out);
+}
+
+uint32_t Tern_P::DecodeReply(const QByteArray& reply, LidarParam& param)
+{
+    tern::readReply(reply, 173, param);
+    return uint32_t(s8(reply, 176) * 100 + s8(reply, 177) * 10 + s8(reply, 178));
+}
+
+void Tern_P::ParseLidarData()
+{
+    // No fallback length: without a trailer the piece waits for more bytes.
+    tern::parseStream(receiveBuffer, kMinimumBuffer, 0, [this](const QByteArray& piece) {
+        if (tern::isVariableDataPacket(piece)) {
+            recordPacket(piece);
+            const tern::CalendarTime time = DecodePacket(piece, versionNumber, decoded_);
+            emit SendGPSTimeData(packetClock.apply(decoded_, time));
+            placePoints<float>(decoded_, currentFrame, lastFrame, previousAzimuth, [this] { finishFrame(); });
+            return true;
+        }
+        if (piece.size() == kReplySize) {
+            replyReceived = 1;
+            versionNumber = DecodeReply(piece, param);
+            SetMotorFrequency(param.frequency);
+            return true;
+        }
+        return false;
+    });
+}
+
+QVector<lidar::LidarDataPoint_V4> Tern_P::ParseRecordedPackets(const QVector<QByteArray>& elements)
+{
+    static OfflineFrames<float> frames;
+    static tern::PacketClock clock;
+    QVector<lidar::LidarDataPoint_V4> result;
+    if (elements.isEmpty())
+        return result;
+    // Not a number: 0, which reads the words the older way.
+    const uint32_t version = elements.first().trimmed().toUInt();
+    DecodedPacket decoded;
+    tern::parseRecorded(elements, 1, tern::isVariableDataPacket, [&](const QByteArray& packet) {
+        const tern::CalendarTime time = DecodePacket(packet, version, decoded);
+        clock.apply(decoded, time);
+        frames.place<float>(decoded, result);
+    });
+    return result;
+}
+
+QByteArray Tern_P::ReadParamCommand()
+{
+    return tern::readParamCommand(tern::kClass55, param.frequency);
+}
+
+void Tern_P::SetMotorFrequency(quint8 frequency)
+{
+    param.frequency = frequency;
+    sendTwice(tern::setFrequencyCommand(frequency));
+}
+
+void Tern_P::SetLidarFilter(int mode)
+{
+    sendWithRetries(tern::setFilterCommand(tern::kClass01, mode, param.frequency), filterAttempts);
+    SetMotorFrequency(param.frequency);
+}

@@ -1,0 +1,88 @@
+#include "Tern_Plus.h"
+
+#include <QThread>
+
+using namespace lidar::decode;
+namespace tern = lidar::tern;
+
+float Tern_Plus::previousAzimuth = -1.0f;
+tern::PacketClock Tern_Plus::packetClock;
+int Tern_Plus::filterAttempts = 0;
+
+Tern_Plus::Tern_Plus(QObject* parent) : LidarAnalysis(parent) {}
+
+tern::CalendarTime Tern_Plus::DecodePacket(const QByteArray& packet, DecodedPacket& out)
+{
+    return tern::decodeVariablePacket(packet, tern::kUnmaskedFlaggedWords, out);
+}
+
+void Tern_Plus::DecodeReply(const QByteArray& reply, LidarParam& param)
+{
+    tern::readReply(reply, 173, param);
+    param.value2 = be16(reply, 141) / 60;
+}
+
+void Tern_Plus::ParseLidarData()
+{
+    tern::parseStream(receiveBuffer, kMinimumBuffer, 0, [this](const QByteArray& piece) {
+        if (tern::isVariableDataPacket(piece)) {
+            recordPacket(piece);
+            const tern::CalendarTime time = DecodePacket(piece, decoded_);
+            emit SendGPSTimeData(packetClock.apply(decoded_, time));
+            placePoints<float>(decoded_, currentFrame, lastFrame, previousAzimuth, [this] { finishFrame(); });
+            return true;
+        }
+        if (piece.size() == kReplySize) {
+            replyReceived = 1;
+            DecodeReply(piece, param);
+            SetMotorFrequency(param.frequency);
+            return true;
+        }
+        return false;
+    });
+}
+
+QVector<lidar::LidarDataPoint_V4> Tern_Plus::ParseRecordedPackets(const QVector<QByteArray>& packets)
+{
+    static OfflineFrames<float> frames;
+    static tern::PacketClock clock;
+    QVector<lidar::LidarDataPoint_V4> result;
+    DecodedPacket decoded;
+    tern::parseRecorded(packets, 0, tern::isVariableDataPacket, [&](const QByteArray& packet) {
+        const tern::CalendarTime time = DecodePacket(packet, decoded);
+        clock.apply(decoded, time);
+        frames.place<float>(decoded, result);
+    });
+    return result;
+}
+
+QByteArray Tern_Plus::ReadParamCommand()
+{
+    return tern::readParamCommand(tern::kClass55, param.frequency);
+}
+
+void Tern_Plus::SetMotorFrequency(quint8 frequency)
+{
+    param.frequency = frequency;
+    sendTwice(tern::setFrequencyCommand(frequency));
+}
+
+QByteArray Tern_Plus::DeviceParamCommand(signed char value)
+{
+    // Sign-extended, the product taken modulo 65536.
+    const uint16_t scaled = static_cast<uint16_t>(int(value) * 60);
+    return commandPacket(0x55, 0x0A, 0, {{141, uint8_t(scaled >> 8)}, {142, uint8_t(scaled & 0xFF)}});
+}
+
+void Tern_Plus::SetDeviceParam(quint8 value)
+{
+    emit SendDataToLidarSignal(DeviceParamCommand(static_cast<signed char>(value)));
+    QThread::msleep(100);
+    SetMotorFrequency(param.frequency);
+}
+
+void Tern_Plus::SetLidarFilter(int mode)
+{
+    sendWithRetries(tern::setFilterCommand(tern::kClass01, mode, param.frequency), filterAttempts);
+    SetMotorFrequency(param.frequency);
+}

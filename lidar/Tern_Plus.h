@@ -1,0 +1,59 @@
+#pragma once
+// Tern_Plus: the length-field packet of Tern_P with its own distance words.
+// Big-endian, no checksum, L = the whole packet's length:
+//
+// | offset | bytes  | field                                               |
+// |--------|--------|-----------------------------------------------------|
+// | 0      | 2      | header A5 5A                                        |
+// | 2      | 2      | length L                                            |
+// | 4      | 2      | start angle, 1/100 degree (may exceed 360)          |
+// | 6      | 2      | period word, rpm = 2500000 / value (0 -> 0)         |
+// | 8      | L - 20 | ceil((L - 20) / 2) distance words                   |
+// | L - 12 | 6      | year - 2000, month, day, hour, minute, second       |
+// | L - 6  | 2      | millisecond                                         |
+// | L - 4  | 2      | microsecond                                         |
+// | L - 2  | 2      | trailer FA FB                                       |
+//
+// Every word is a point whatever it holds: the whole word is the distance
+// (bit 15 is not masked off) and bit 15 also gives intensity 255. So the
+// angular and time steps depend only on L.
+// The parameters reply is 188 bytes: date and version at 173..178 (signed
+// bytes), motor speed setting * 60 at 141..142, filter code at 181.
+
+#include "LidarAnalysis.h"
+#include "DecodeCommon.h"
+#include "TernProtocol.h"
+
+class Tern_Plus : public LidarAnalysis {
+    Q_OBJECT
+public:
+    Q_INVOKABLE explicit Tern_Plus(QObject* parent = nullptr);
+
+    void ParseLidarData() override;
+    QByteArray ReadParamCommand() override;
+    void SetMotorFrequency(quint8 frequency) override;
+    // The byte is the motor speed setting as a signed char.
+    void SetDeviceParam(quint8 value) override;
+    void SetLidarFilter(int mode) override;
+
+    static QVector<lidar::LidarDataPoint_V4> ParseRecordedPackets(const QVector<QByteArray>& packets);
+
+    // Points of one data packet, time stamps not yet set; returns the
+    // packet's calendar time. Pure.
+    static lidar::tern::CalendarTime DecodePacket(const QByteArray& packet, lidar::decode::DecodedPacket& out);
+    // Version text, filter mode and motor speed setting of a 188-byte reply.
+    static void DecodeReply(const QByteArray& reply, LidarParam& param);
+    // The set-motor-speed command: value * 60 at 141..142.
+    static QByteArray DeviceParamCommand(signed char value);
+
+    static constexpr int kMinimumBuffer = 92;
+    static constexpr int kReplySize = 188;
+
+    // Live state shared by every Tern_Plus session.
+    static float previousAzimuth;
+    static lidar::tern::PacketClock packetClock;
+    static int filterAttempts;  // program-wide, never reset
+
+private:
+    lidar::decode::DecodedPacket decoded_;
+};

@@ -1,0 +1,115 @@
+#pragma once
+// What the two Wren models share: fixed-size data packets that carry a type
+// byte and end in a checksum, 188-byte command replies found among them,
+// sixteen measurement groups spread from a start to an end azimuth, and the
+// command packets.
+//
+// Command and reply packets are 188 bytes: A5 5A, class byte 2, FA FB at
+// 186..187. Commands carry their code at 184 and the frequency code at 185;
+// a reply holds the device parameter at 172, six version numbers at
+// 173..178 (year - 2000 first) and the filter state at 181.
+
+#include "DecodeCommon.h"
+#include "LidarAnalysis.h"
+
+#include <QByteArray>
+#include <QVector>
+#include <cstdint>
+
+namespace lidar {
+namespace wren {
+
+constexpr int kReplySize = 188;
+constexpr int kGroups = 16;
+
+// The sum of the packet's bytes before its last, modulo 256, equals the last.
+bool checksumMatches(const QByteArray& buffer, int offset, int packetSize);
+
+enum class Piece { None, DataPacket, Reply };
+
+// Cuts the next piece at the first header of `buffer` into `piece`:
+// - a data packet of `packetSize` bytes whose checksum and type byte (at 2)
+//   are right: everything up to its end is removed;
+// - otherwise a reply, 188 bytes with FA FB at 186: the whole buffer is
+//   emptied, whatever followed the reply included;
+// - 188 bytes from the header without FA FB at 186: the whole buffer is
+//   dropped to find the stream again (None);
+// - a packet or reply not yet complete, or no header: nothing is removed
+//   (None).
+Piece cutPiece(QByteArray& buffer, int packetSize, uint8_t packetType, QByteArray& piece);
+
+// The live loop of both Wren models: data packets go to `onData` in order, a
+// reply to `onReply`; returns when the buffer waits for more bytes.
+template <typename OnData, typename OnReply>
+void parseStream(QByteArray& buffer, int packetSize, uint8_t packetType, OnData&& onData, OnReply&& onReply)
+{
+    QByteArray piece;
+    for (;;) {
+        switch (cutPiece(buffer, packetSize, packetType, piece)) {
+        case Piece::DataPacket:
+            onData(piece);
+            break;
+        case Piece::Reply:
+            onReply(piece);
+            return;  // the buffer is empty now
+        case Piece::None:
+            return;
+        }
+    }
+}
+
+// The offline loop of both Wren models: every element long enough to hold
+// the fields is taken as a data packet (no header, type or checksum test),
+// decoded by `decodePacket` and placed in the persistent `frames`.
+template <typename Azimuth, typename Previous, typename DecodePacket>
+QVector<LidarDataPoint_V4> parseRecorded(const QVector<QByteArray>& packets, int packetSize,
+                                         DecodePacket&& decodePacket, decode::OfflineFrames<Previous>& frames)
+{
+    QVector<LidarDataPoint_V4> result;
+    decode::DecodedPacket decoded;
+    for (const QByteArray& packet : packets) {
+        if (packet.size() < packetSize)
+            continue;
+        decodePacket(packet, decoded);
+        frames.template place<Azimuth>(decoded, result);
+    }
+    return result;
+}
+
+// The azimuths of a packet's sixteen groups: start + k * step, in the
+// precision the model computes in. Start and end (1/100 degree) above 360
+// lose 360; a packet that crosses 0 (start above end) steps over the wrap,
+// so its late groups lie above 360 and belong to the next revolution.
+template <typename Azimuth>
+struct GroupAngles {
+    Azimuth start;
+    Azimuth step;
+    Azimuth at(int group) const { return start + Azimuth(group) * step; }
+};
+
+template <typename Azimuth>
+GroupAngles<Azimuth> groupAngles(const QByteArray& packet, int startOffset, int endOffset)
+{
+    Azimuth start = Azimuth(decode::be16(packet, startOffset)) / Azimuth(100);
+    Azimuth end = Azimuth(decode::be16(packet, endOffset)) / Azimuth(100);
+    if (start > Azimuth(360))
+        start -= Azimuth(360);
+    if (end > Azimuth(360))
+        end -= Azimuth(360);
+    const Azimuth span = start > end ? end + Azimuth(360) - start : end - start;
+    return {start, span / Azimuth(15)};
+}
+
+// Version text (unsigned bytes), filter mode (0 when the state is 1,
+// otherwise 1) and device parameter of a reply into `param`.
+void decodeReply(const QByteArray& reply, LidarParam& param);
+
+QByteArray readParamCommand(uint8_t frequency);         // class 0x55, code 3
+QByteArray setFrequencyCommand(uint8_t frequency);      // class 0x55, code 1
+QByteArray setDeviceParamCommand(uint8_t value);        // class 0x55, code 10, value at 172
+// Class 0x01, code 6; byte 181 is 1 for mode 0 "Normal filtering" and 0 for
+// every other mode.
+QByteArray setFilterCommand(int mode, uint8_t frequency);
+
+}  // namespace wren
+}  // namespace lidar
