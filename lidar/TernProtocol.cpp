@@ -1,6 +1,7 @@
 #include "TernProtocol.h"
 
 #include <algorithm>
+#include <charconv>
 #include <ctime>
 #include <vector>
 
@@ -131,28 +132,45 @@ CalendarTime readCalendar(const QByteArray& p, int offset)
 
 uint64_t packetTimeNs(const CalendarTime& t)
 {
-    std::tm tm{};
-    tm.tm_year = t.year - 1900;
-    tm.tm_mon = t.month - 1;
-    tm.tm_mday = t.day;
-    tm.tm_hour = t.hour;
-    tm.tm_min = t.minute;
-    tm.tm_sec = t.second;
-    tm.tm_isdst = 0;
-    const double ns = double(std::mktime(&tm)) * 1e9 + t.millisecond * 1e6 + t.microsecond * 1e3;
+    // mktime consults the time zone on every call (with TZ unset, a stat of
+    // /etc/localtime), which costs more than decoding the packet. Packets
+    // come hundreds a second, so each thread keeps the last second it asked
+    // for (the live and offline paths run on different threads).
+    struct Second {
+        int32_t year = -1, month = 0, day = 0, hour = 0, minute = 0, second = 0;
+        std::time_t value = 0;
+    };
+    thread_local Second last;
+    if (t.year != last.year || t.month != last.month || t.day != last.day || t.hour != last.hour ||
+        t.minute != last.minute || t.second != last.second) {
+        std::tm tm{};
+        tm.tm_year = t.year - 1900;
+        tm.tm_mon = t.month - 1;
+        tm.tm_mday = t.day;
+        tm.tm_hour = t.hour;
+        tm.tm_min = t.minute;
+        tm.tm_sec = t.second;
+        tm.tm_isdst = 0;
+        last = Second{t.year, t.month, t.day, t.hour, t.minute, t.second, std::mktime(&tm)};
+    }
+    const double ns = double(last.value) * 1e9 + t.millisecond * 1e6 + t.microsecond * 1e3;
     return static_cast<uint64_t>(ns);
 }
 
 QString dateTimeText(const CalendarTime& t)
 {
-    return QStringLiteral("%1-%2-%3 %4:%5:%6:%7")
-        .arg(t.year)
-        .arg(t.month)
-        .arg(t.day)
-        .arg(t.hour)
-        .arg(t.minute)
-        .arg(t.second)
-        .arg(t.millisecond);
+    // "%1-%2-%3 %4:%5:%6:%7" in one pass: seven chained QString::arg calls
+    // cost as much as the rest of the packet.
+    const int32_t fields[7] = {t.year, t.month, t.day, t.hour, t.minute, t.second, t.millisecond};
+    const char separators[7] = {'-', '-', ' ', ':', ':', ':', '\0'};
+    char text[7 * 12];
+    char* end = text;
+    for (int i = 0; i < 7; ++i) {
+        end = std::to_chars(end, text + sizeof text, fields[i]).ptr;
+        if (separators[i])
+            *end++ = separators[i];
+    }
+    return QString::fromLatin1(text, int(end - text));
 }
 
 GPSTime PacketClock::stamp(const CalendarTime& t, uint64_t nowNs) const
