@@ -1,5 +1,7 @@
 #include "PacketBuilders.h"
 
+#include <QDateTime>
+
 namespace testing {
 
 void putBe16(QByteArray& packet, int offset, uint16_t value)
@@ -47,6 +49,209 @@ QVector<QByteArray> ternRevolutions(int revolutions, uint16_t word, uint16_t fir
     for (int r = 0; r < revolutions; ++r)
         for (int k = 0; k < 24; ++k)
             packets.append(ternPacketFilled(uint16_t((firstStart + k * 1500) % 36000), 4167, word));
+    return packets;
+}
+
+GpsStamp GpsStamp::later(qint64 microseconds) const
+{
+    const qint64 totalUs = qint64(millisecond) * 1000 + microsecond + microseconds;
+    const QDateTime start(QDate(year, month, day), QTime(hour, minute, second), Qt::UTC);
+    const QDateTime moved = start.addMSecs(totalUs / 1000);
+    GpsStamp s;
+    s.year = moved.date().year();
+    s.month = moved.date().month();
+    s.day = moved.date().day();
+    s.hour = moved.time().hour();
+    s.minute = moved.time().minute();
+    s.second = moved.time().second();
+    s.millisecond = moved.time().msec();
+    s.microsecond = int(totalUs % 1000);
+    return s;
+}
+
+quint64 GpsStamp::epochNs() const
+{
+    const QDateTime t(QDate(year, month, day), QTime(hour, minute, second, millisecond), Qt::UTC);
+    return quint64(t.toMSecsSinceEpoch()) * 1000000u + quint64(microsecond) * 1000u;
+}
+
+void putStamp(QByteArray& p, int offset, const GpsStamp& s)
+{
+    p[offset] = char(s.year - 2000);
+    p[offset + 1] = char(s.month);
+    p[offset + 2] = char(s.day);
+    p[offset + 3] = char(s.hour);
+    p[offset + 4] = char(s.minute);
+    p[offset + 5] = char(s.second);
+    putBe16(p, offset + 6, uint16_t(s.millisecond));
+    putBe16(p, offset + 8, uint16_t(s.microsecond));
+}
+
+namespace {
+
+QByteArray framed(int size)
+{
+    QByteArray p(size, '\0');
+    p[0] = char(0xA5);
+    p[1] = char(0x5A);
+    p[size - 2] = char(0xFA);
+    p[size - 1] = char(0xFB);
+    return p;
+}
+
+}  // namespace
+
+QByteArray ternGpsPacket(uint16_t start, uint16_t period, const QVector<uint16_t>& words, const GpsStamp& stamp)
+{
+    QByteArray p = framed(102);
+    putBe16(p, 2, start);
+    putBe16(p, 4, period);
+    for (int i = 0; i < 42; ++i)
+        putBe16(p, 6 + 2 * i, i < words.size() ? words[i] : 0xFFFF);
+    putStamp(p, 90, stamp);
+    return p;
+}
+
+QByteArray ternLengthPacket(uint16_t start, uint16_t period, const QVector<uint16_t>& words, const GpsStamp& stamp)
+{
+    const int size = 20 + 2 * words.size();
+    QByteArray p = framed(size);
+    putBe16(p, 2, uint16_t(size));
+    putBe16(p, 4, start);
+    putBe16(p, 6, period);
+    for (int i = 0; i < words.size(); ++i)
+        putBe16(p, 8 + 2 * i, words[i]);
+    putStamp(p, size - 12, stamp);
+    return p;
+}
+
+QByteArray ternLongReply(int versionOffset, std::initializer_list<uint8_t> dateVersion, uint8_t filterCode)
+{
+    QByteArray p = framed(188);
+    int i = versionOffset;
+    for (uint8_t b : dateVersion)
+        p[i++] = char(b);
+    p[181] = char(filterCode);
+    return p;
+}
+
+void sealChecksum(QByteArray& packet)
+{
+    uint8_t sum = 0;
+    for (int i = 0; i < packet.size() - 1; ++i)
+        sum = uint8_t(sum + uint8_t(packet[i]));
+    packet[packet.size() - 1] = char(sum);
+}
+
+namespace {
+
+QByteArray wrenPacket(int size, uint8_t type, uint16_t period, uint16_t start, uint16_t end)
+{
+    QByteArray p(size, '\0');
+    p[0] = char(0xA5);
+    p[1] = char(0x5A);
+    p[2] = char(type);
+    putBe16(p, 3, period);
+    putBe16(p, 5, start);
+    putBe16(p, size - 3, end);
+    return p;
+}
+
+}  // namespace
+
+QByteArray wrenPlusPacket(uint16_t period, uint16_t start, uint16_t end, const QVector<WrenPlusGroup>& groups,
+                          uint16_t ambient)
+{
+    QByteArray p = wrenPacket(108, 0x6C, period, start, end);
+    for (int k = 0; k < groups.size() && k < 16; ++k) {
+        putBe16(p, 7 + 6 * k, groups[k].distance0);
+        p[9 + 6 * k] = char(groups[k].intensity0);
+        putBe16(p, 10 + 6 * k, groups[k].distance1);
+        p[12 + 6 * k] = char(groups[k].intensity1);
+    }
+    putBe16(p, 103, ambient);
+    sealChecksum(p);
+    return p;
+}
+
+QByteArray wrenKitePacket(uint16_t period, uint16_t start, uint16_t end, const QVector<WrenKiteGroup>& groups)
+{
+    QByteArray p = wrenPacket(58, 0x3A, period, start, end);
+    for (int k = 0; k < groups.size() && k < 16; ++k) {
+        putBe16(p, 7 + 3 * k, groups[k].distance);
+        p[9 + 3 * k] = char(groups[k].intensity);
+    }
+    sealChecksum(p);
+    return p;
+}
+
+QByteArray wrenReply(uint8_t deviceParam, std::initializer_list<uint8_t> dateVersion, uint8_t filterState)
+{
+    QByteArray p = ternLongReply(173, dateVersion, filterState);
+    p[2] = char(0x55);
+    p[172] = char(deviceParam);
+    return p;
+}
+
+QByteArray commandBytes(uint8_t commandClass, uint8_t code, uint8_t parameter,
+                        const QVector<QPair<int, uint8_t>>& extra)
+{
+    QByteArray p = framed(188);
+    p[2] = char(commandClass);
+    for (const auto& byte : extra)
+        p[byte.first] = char(byte.second);
+    p[184] = char(code);
+    p[185] = char(parameter);
+    return p;
+}
+
+namespace {
+
+// Distance words with high bytes 03..05 or 83..85 (every third word has the
+// flag bit), so that no A5 5A or FA FB can appear across them.
+QVector<uint16_t> variedWords(int packet, int count)
+{
+    QVector<uint16_t> words(count);
+    for (int i = 0; i < count; ++i) {
+        const uint16_t base = uint16_t(0x0300 + (packet * 7 + i * 13) % 0x300);
+        words[i] = (i % 3 == 2) ? uint16_t(base | 0x8000) : base;
+    }
+    return words;
+}
+
+}  // namespace
+
+QVector<QByteArray> revolutionPackets(const QString& model, int revolutions)
+{
+    const uint16_t period = 4167;  // 600 r/min
+    const GpsStamp origin;
+    QVector<QByteArray> packets;
+    const int count = revolutions * 24 + 1;
+    for (int k = 0; k < count; ++k) {
+        const uint16_t start = uint16_t((500 + k * 1500) % 36000);
+        const uint16_t end = uint16_t((start + 1400) % 36000);
+        const GpsStamp stamp = origin.later(qint64(k) * 4167);
+        if (model == QLatin1String("Tern")) {
+            packets.append(ternPacket(start, period, variedWords(k, 42)));
+        } else if (model == QLatin1String("Tern_GPS")) {
+            packets.append(ternGpsPacket(start, period, variedWords(k, 42), stamp));
+        } else if (model == QLatin1String("Tern_P") || model == QLatin1String("Tern_Plus")) {
+            packets.append(ternLengthPacket(start, period, variedWords(k, 48), stamp));
+        } else if (model == QLatin1String("Wren_Plus")) {
+            QVector<WrenPlusGroup> groups(16);
+            for (int g = 0; g < 16; ++g) {
+                // Channel 1 measures nothing at each packet's first azimuth.
+                groups[g] = {uint16_t(2000 + (k * 16 + g) % 1000), uint8_t(g * 3),
+                             uint16_t(g == 0 ? 0 : 3000 + (k * 5 + g) % 700), uint8_t(100 + g)};
+            }
+            packets.append(wrenPlusPacket(period, start, end, groups, uint16_t(50 + k % 20)));
+        } else if (model == QLatin1String("Wren_Kite")) {
+            QVector<WrenKiteGroup> groups(16);
+            for (int g = 0; g < 16; ++g)
+                groups[g] = {uint16_t(g == 5 ? 0 : 1500 + (k * 16 + g) % 900), uint8_t(g * 7)};
+            packets.append(wrenKitePacket(period, start, end, groups));
+        }
+    }
     return packets;
 }
 
