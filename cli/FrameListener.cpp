@@ -32,7 +32,11 @@ void FrameListener::onFrame(lidar::LidarDataPoint_V4 frame)
     const QString speed = frame.motorSpeed < 0
                               ? QStringLiteral("motor speed unknown")
                               : QStringLiteral("motor speed %1 r/min").arg(frame.motorSpeed);
-    cli::printOut(QStringLiteral("frame %1: %2 points, %3").arg(frames_).arg(frame.pointCount()).arg(speed));
+    const QString line = QStringLiteral("frame %1: %2 points, %3").arg(frames_).arg(frame.pointCount()).arg(speed);
+    if (csv_ && csv_->path() == QLatin1String("-"))
+        cli::printError(line);  // standard output carries the CSV
+    else
+        cli::printOut(line);
     if (csv_)
         csv_->writer().writeFrame(frames_, frame);
     if (frames_ >= frameLimit_)

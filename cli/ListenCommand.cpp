@@ -233,6 +233,14 @@ int runListen(const QStringList& arguments)
     if (!problem.isEmpty()) {
         exitCode = fileError(o.source(), problem);
     } else {
+        const QString line = QStringLiteral("listening on %1 for %2 frames of model %3")
+                                 .arg(o.source())
+                                 .arg(o.frames)
+                                 .arg(o.model);
+        if (o.output == QLatin1String("-"))
+            printError(line);
+        else
+            printOut(line);
         listener.start(int(o.timeoutSeconds * 1000.0));
         QCoreApplication::exec();
         exitCode = listener.exitCode();

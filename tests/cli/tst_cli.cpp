@@ -88,10 +88,13 @@ private slots:
     void badArgumentsAreUsageErrors_data();
     void badArgumentsAreUsageErrors();
     void infoSummarisesARecording();
+    void infoShowsGpsPacketTimes_data();
     void infoShowsGpsPacketTimes();
     void listenReceivesFramesOverLoopback();
     void listenFailsWhenNoFrameArrives();
     void listenReportsAPortInUse();
+    void listenReadsASerialPort();
+    void listenStopsCleanlyWhenTerminated();
 
 private:
     QTemporaryDir dir_;
@@ -282,28 +285,47 @@ void CliTest::infoSummarisesARecording()
     QVERIFY(!out.contains("packet time"));  // Tern has no GPS time
 }
 
+void CliTest::infoShowsGpsPacketTimes_data()
+{
+    QTest::addColumn<QString>("model");
+    QTest::newRow("Tern_GPS, calendar at 90") << "Tern_GPS";
+    QTest::newRow("Tern_P, calendar 12 bytes before the end") << "Tern_P";
+    QTest::newRow("Tern_Plus, calendar 12 bytes before the end") << "Tern_Plus";
+}
+
 void CliTest::infoShowsGpsPacketTimes()
 {
-    if (!LIdarFactory::GetInstance()->ModelNames().contains("Tern_GPS"))
-        QSKIP("Tern_GPS is not registered yet");
-    // 102-byte packets: a Tern packet with the calendar at 90..99.
-    auto gpsPacket = [](uint16_t start, int second, int millisecond) {
-        QByteArray p = testing::ternPacketFilled(start, 4167, 1000).left(90);
+    QFETCH(QString, model);
+    if (!LIdarFactory::GetInstance()->ModelNames().contains(model))
+        QSKIP("model not registered");
+    // A Tern body (start angle, speed, 42 words), then the calendar and the
+    // trailer; the length-field models carry their length before the angle.
+    auto packet = [&](uint16_t start, int second, int millisecond) {
+        const QByteArray tern = testing::ternPacketFilled(start, 4167, 1000);
+        QByteArray p = tern.left(2);
+        if (model != "Tern_GPS")
+            p.append(char(0)).append(char(104));
+        p.append(tern.mid(2, 88));
         p.append(char(24)).append(char(5)).append(char(20)).append(char(10)).append(char(11)).append(char(second));
         p.append(char(millisecond >> 8)).append(char(millisecond & 0xFF)).append('\0').append('\0');
         p.append(char(0xFA)).append(char(0xFB));
         return p;
     };
-    QVector<QByteArray> elements{"Tern_GPS"};
+    QVector<QByteArray> elements{model.toLatin1()};
+    if (model == "Tern_P")
+        elements.append("214");
     for (int k = 0; k < 60; ++k)
-        elements.append(gpsPacket(uint16_t((k % 24) * 1500), 12 + k / 24, (k % 24) * 4));
-    const QString recording = dir_.filePath("gps.txt");
+        elements.append(packet(uint16_t((k % 24) * 1500), 12 + k / 24, (k % 24) * 4));
+    elements.append(QByteArray("\xA5\x5A\x01\x02\xFA\xFB", 6));  // not a data packet: no time
+    const QString recording = dir_.filePath(model + ".txt");
     QVERIFY(writeRecording(recording, elements));
     const Run run = runCli({"info", recording});
     QCOMPARE(run.exitCode, 0);
     QVERIFY2(run.out.contains("first packet time: 2024-5-20 10:11:12:0\n"), run.out.constData());
-    QVERIFY(run.out.contains("last packet time:  2024-5-20 10:11:14:44\n"));
+    QVERIFY2(run.out.contains("last packet time:  2024-5-20 10:11:14:44\n"), run.out.constData());
+    QVERIFY(run.out.contains("packets:           61\n"));
     QVERIFY(run.out.contains("complete frames:   2\n"));
+    QCOMPARE(run.out.contains("version number:    214\n"), model == "Tern_P");
 }
 
 void CliTest::listenReceivesFramesOverLoopback()
@@ -316,7 +338,9 @@ void CliTest::listenReceivesFramesOverLoopback()
                               "3", "-o", csv, "--record", recording, "--timeout", "20"});
     QVERIFY(process.waitForStarted(5000));
 
-    // One packet per datagram, a turn every 20 ms, until the program stops.
+    // Once it listens: one packet per datagram, a turn every 20 ms, until the
+    // program stops.
+    QVERIFY(testing::waitFor([&] { return process.canReadLine(); }, 10000));
     testing::LoopbackLidar lidar;
     const QVector<QByteArray> turn = testing::ternRevolutions(1);
     QTimer sender;
@@ -331,8 +355,10 @@ void CliTest::listenReceivesFramesOverLoopback()
     QCOMPARE(process.exitStatus(), QProcess::NormalExit);
     QCOMPARE(process.exitCode(), 0);
     const QList<QByteArray> out = process.readAllStandardOutput().split('\n');
-    QVERIFY(out.at(0).startsWith("frame 1: 984 points, motor speed 599 r/min"));
-    QVERIFY(out.at(2).startsWith("frame 3: "));
+    QCOMPARE(out.at(0), QByteArray("listening on 127.0.0.1:") + QByteArray::number(port) + " for 3 frames of model Tern");
+    // The first turn starts at 0 degrees like every other: all its points.
+    QCOMPARE(out.at(1), QByteArray("frame 1: 984 points, motor speed 599 r/min"));
+    QVERIFY(out.at(3).startsWith("frame 3: "));
 
     const QList<QByteArray> lines = csvLines(csv);
     QCOMPARE(lines.size(), 1 + 3 * 984);
@@ -374,6 +400,59 @@ void CliTest::listenReportsAPortInUse()
     QVERIFY2(run.errLines().first().contains("cannot listen"), run.err.constData());
     QVERIFY(!QFile::exists(csv));
     QVERIFY(!QFile::exists(recording));
+}
+
+void CliTest::listenReadsASerialPort()
+{
+    testing::PseudoTerminal terminal;
+    if (!terminal.isOpen())
+        QSKIP("no pseudo-terminal here");
+    const QString csv = dir_.filePath("serial.csv");
+    QProcess process;
+    process.start(cliPath(), {"listen", "--model", "Tern", "--serial", terminal.slaveName(), "--baud", "460800",
+                              "--frames", "2", "-o", csv, "--timeout", "20"});
+    QVERIFY(process.waitForStarted(5000));
+    const QVector<QByteArray> turn = testing::ternRevolutions(1);
+    QTimer sender;
+    QObject::connect(&sender, &QTimer::timeout, [&] {
+        for (const QByteArray& packet : turn)
+            terminal.write(packet);
+    });
+    sender.start(20);
+    QVERIFY(testing::waitFor([&] { return process.state() == QProcess::NotRunning; }, 20000));
+    sender.stop();
+    QCOMPARE(process.exitCode(), 0);
+    QCOMPARE(csvLines(csv).size(), 1 + 2 * 984);
+}
+
+void CliTest::listenStopsCleanlyWhenTerminated()
+{
+    const quint16 port = testing::freeUdpPort();
+    const QString recording = dir_.filePath("stopped.txt");
+    QProcess process;
+    process.start(cliPath(), {"listen", "--model", "Tern", "--udp", QString("127.0.0.1:%1").arg(port), "--record",
+                              recording, "--timeout", "30"});
+    QVERIFY(process.waitForStarted(5000));
+    testing::LoopbackLidar lidar;
+    const QVector<QByteArray> packets = testing::ternRevolutions(1);
+    // Once it says so, the program listens: give it some packets to record.
+    QVERIFY(testing::waitFor([&] { return process.canReadLine(); }, 10000));
+    QVERIFY(process.readLine().startsWith("listening on"));
+    for (const QByteArray& packet : packets.mid(0, 10))
+        lidar.send(packet, port);
+    QTest::qWait(300);
+    process.terminate();
+    QVERIFY(process.waitForFinished(10000));
+    QCOMPARE(process.exitCode(), 130);
+    QVERIFY(process.readAllStandardError().contains("interrupted after 0 of 10 frames"));
+
+    // The ten packets were still written, after the model's name.
+    QFile file(recording);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    const QVector<QByteArray> elements = lidar::readRecordElements(file);
+    QCOMPARE(elements.size(), 11);
+    QCOMPARE(elements.first(), QByteArray("Tern"));
+    QCOMPARE(elements.at(1), packets.at(0));
 }
 
 QTEST_MAIN(CliTest)
