@@ -6,9 +6,9 @@
 //   scandeck-bench --parse <file>  (internal) parse one recording and report
 //                                  the process's peak memory
 
-#include "BenchPackets.h"
 #include "LIdarFactory.h"
 #include "LidarAnalysis.h"
+#include "PacketBuilders.h"
 #include "RecordFile.h"
 
 #include <QCoreApplication>
@@ -25,6 +25,25 @@ constexpr double kTargetPacketsPerSecond = 200000.0;
 constexpr double kTargetMemoryRatio = 2.0;
 constexpr int kRevolutions = 2000;  // 48,000 packets a run
 constexpr double kMinimumSeconds = 1.0;
+
+// A model's packets, one datagram each: whole turns of 24 packets of 15
+// degrees with GPS times 1/240 s apart, as the decoder tests use them.
+struct Stream {
+    QVector<QByteArray> packets;
+    QVector<QByteArray> recordPrefix;  // elements before the packets (Tern_P: its version)
+    int versionNumber = 0;             // for a live Tern_P session
+};
+
+Stream buildStream(const QString& model, int revolutions)
+{
+    Stream s;
+    s.packets = testing::revolutionPackets(model, revolutions);
+    if (model == QLatin1String("Tern_P")) {
+        s.versionNumber = 215;  // the packets carry whole-word distances
+        s.recordPrefix.append(QByteArray::number(s.versionNumber));
+    }
+    return s;
+}
 
 struct Rate {
     double packetsPerSecond = 0;
@@ -54,7 +73,7 @@ std::unique_ptr<LidarAnalysis> createSession(const QString& model)
 
 // Live path: one packet per datagram appended to the receive buffer, the
 // decoder called after each, frames counted by a direct connection.
-Rate measureLive(const QString& model, const bench::Stream& stream)
+Rate measureLive(const QString& model, const Stream& stream)
 {
     std::unique_ptr<LidarAnalysis> session = createSession(model);
     if (!session)
@@ -86,7 +105,7 @@ Rate measureLive(const QString& model, const bench::Stream& stream)
 }
 
 // Offline path: the registered parse function over the packet list.
-Rate measureOffline(const QString& model, const bench::Stream& stream)
+Rate measureOffline(const QString& model, const Stream& stream)
 {
     const ParseFunction parse = LIdarFactory::GetInstance()->parseMap.value(model);
     if (!parse)
@@ -157,7 +176,7 @@ bool measureMemory(const QString& program)
     QTemporaryDir dir;
     const QString file = dir.filePath("tern-10min.txt");
     {
-        const bench::Stream stream = bench::buildStream("Tern", kRevolutionsIn10Minutes);
+        const Stream stream = buildStream("Tern", kRevolutionsIn10Minutes);
         QFile out(file);
         if (!out.open(QIODevice::WriteOnly) ||
             !lidar::writeRecordElements(out, QVector<QByteArray>{"Tern"} + stream.packets)) {
@@ -211,11 +230,11 @@ int main(int argc, char* argv[])
     std::printf("%-10s %-8s %12s %14s %9s\n", "model", "path", "packets/s", "points/s", "frames");
     bool allMet = true;
     for (const QString& model : models) {
-        if (!bench::canBuild(model)) {
-            std::printf("%-10s (no packet builder here, skipped)\n", model.toLatin1().constData());
+        const Stream stream = buildStream(model, kRevolutions);
+        if (stream.packets.isEmpty()) {
+            std::printf("%-10s (no packet builder for this model, skipped)\n", model.toLatin1().constData());
             continue;
         }
-        const bench::Stream stream = bench::buildStream(model, kRevolutions);
         const Rate live = measureLive(model, stream);
         const Rate offline = measureOffline(model, stream);
         printRate(model, "live", live);
