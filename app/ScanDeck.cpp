@@ -1,0 +1,409 @@
+#include "ScanDeck.h"
+
+#include "AboutDialog.h"
+#include "IniSettings.h"
+#include "LIdarFactory.h"
+#include "LidarAnalysis.h"
+#include "OffinePlayWidget.h"
+#include "OfflineDrop.h"
+#include "PointTableRow.h"
+#include "TableViewToolBar.h"
+#include "UserMessages.h"
+#include "ui_ScanDeck.h"
+
+#include <QApplication>
+#include <QButtonGroup>
+#include <QCloseEvent>
+#include <QDir>
+#include <QDragEnterEvent>
+#include <QDropEvent>
+#include <QFile>
+#include <QLabel>
+#include <QProcess>
+#include <QProgressBar>
+#include <QPropertyAnimation>
+#include <QPushButton>
+#include <QStandardItemModel>
+#include <QStatusBar>
+#include <QSurfaceFormat>
+#include <QTabBar>
+#include <QTranslator>
+#include <thread>
+
+#include <QVTKOpenGLNativeWidget.h>
+#include <pcl/point_cloud.h>
+#include <pcl/point_types.h>
+#include <pcl/visualization/pcl_visualizer.h>
+#include <vtkAxesActor.h>
+#include <vtkCamera.h>
+#include <vtkGenericOpenGLRenderWindow.h>
+#include <vtkOrientationMarkerWidget.h>
+#include <vtkRenderer.h>
+
+namespace {
+
+const QString kStyleSheetFile = QStringLiteral("./qss/MacOS.qss");
+const QString kTranslationFile = QStringLiteral("./scandeck_zh.qm");
+const QString kChinese = QStringLiteral("中文");
+const QString kEnglish = QStringLiteral("English");
+
+// "language" is a top-level key of the settings file.
+QString readLanguageSetting()
+{
+    return IniSettings().value(QString(), QStringLiteral("language"));
+}
+
+void storeLanguageSetting(const QString& language)
+{
+    IniSettings().setValue(QString(), QStringLiteral("language"), language);
+}
+
+}  // namespace
+
+void ScanDeck::prepareGraphics()
+{
+    QSurfaceFormat::setDefaultFormat(QVTKOpenGLNativeWidget::defaultFormat());
+}
+
+ScanDeck::ScanDeck(QWidget* parent)
+    : QMainWindow(parent),
+      ui(new Ui::ScanDeckClass),
+      m_renderWindow(vtkSmartPointer<vtkGenericOpenGLRenderWindow>::New()),
+      m_wiredFuture(m_wired.get_future().share())
+{
+    ui->setupUi(this);
+    initUi();
+    // The frame types are registered and the controls connected off the GUI
+    // thread. A thread that cannot be started throws std::system_error.
+    std::thread([this] {
+        lidar::registerMetaTypes();
+        wireSignals();
+        m_wired.set_value();
+    }).detach();
+}
+
+ScanDeck::~ScanDeck()
+{
+    waitUntilWired();
+    if (m_orientationMarker)
+        m_orientationMarker->SetEnabled(0);
+    m_viewer.reset();
+    delete ui;
+}
+
+void ScanDeck::waitUntilWired()
+{
+    m_wiredFuture.wait();
+}
+
+vtkRenderer* ScanDeck::renderer() const
+{
+    return m_viewer->getRendererCollection()->GetFirstRenderer();
+}
+
+void ScanDeck::initUi()
+{
+    // The restart is wired but its button starts invisible.
+    ui->btn_reboot->hide();
+    m_tableToolBar = new TableViewToolBar(this, ui->widget_table);
+    ui->verticalLayout_table->insertWidget(0, m_tableToolBar);
+    ui->verticalLayout_table->setStretch(1, 1);
+
+    setWindowState(Qt::WindowMaximized);
+    ui->splitter->setSizes({0, 1});  // the table pane starts collapsed
+    qApp->setWindowIcon(QIcon(QStringLiteral(":/images/images/Tern_2.png")));
+    applyStyleSheet();
+    applyStartLanguage();
+
+    initViewer();
+    ui->openGLWidget->setAcceptDrops(true);
+
+    // Nothing is connected yet: only the connect buttons are live.
+    ui->btn_GPS_test->setEnabled(false);
+    ui->btn_export_csv->setEnabled(false);
+    ui->btn_auto_connect->setEnabled(true);
+    ui->btn_connect->setEnabled(true);
+    ui->btn_disconnect->setEnabled(false);
+    ui->btn_save_data->setEnabled(false);
+    ui->btn_play_pause->setEnabled(false);
+    ui->btn_play_pause->setChecked(false);
+    ui->btn_motor_state->setEnabled(false);
+    ui->comboBox_motor_filter->setEnabled(false);
+    ui->comboBox_motor_frequency->setEnabled(false);
+    ui->btn_motor_state->setChecked(true);
+    ui->btn_disconnect->setChecked(false);
+
+    m_tableModel = new QStandardItemModel(this);
+    m_tableModel->setHorizontalHeaderLabels(pointtable::headers());
+    QTableView* table = ui->tableView_point_cloud;
+    table->setModel(m_tableModel);
+    table->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    table->horizontalHeader()->setStretchLastSection(true);
+    table->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    table->setAlternatingRowColors(true);
+
+    renderer()->GetActiveCamera()->SetPosition(0, 0, 15);
+    m_orientationMarker = vtkSmartPointer<vtkOrientationMarkerWidget>::New();
+    m_orientationMarker->SetOrientationMarker(vtkSmartPointer<vtkAxesActor>::New());
+    m_orientationMarker->SetInteractor(ui->openGLWidget->interactor());
+    m_orientationMarker->SetViewport(0.0, 0.0, 0.16, 0.22);
+    m_orientationMarker->SetEnabled(1);
+    m_orientationMarker->InteractiveOff();
+
+    initStatusBar();
+
+    m_tabBar = ui->tabWidget->findChild<QTabBar*>(QStringLiteral("qt_tabwidget_tabbar"));
+    if (m_tabBar)
+        m_tabBar->installEventFilter(this);
+    ui->openGLWidget->installEventFilter(this);
+
+    ui->offline->setExportAction(
+        [this](QPushButton* button, bool checked) { exportCsv(button, checked); });
+    ui->offline->setMessageHook([this](const QString& title, const QString& text) {
+        usermessages::information(this, title, text);
+    });
+    addAction(ui->act_grid);  // its shortcut works anywhere in the window
+
+    QApplication::processEvents();
+}
+
+void ScanDeck::initViewer()
+{
+    // The viewer draws into the widget's render window and uses the
+    // widget's interactor instead of making its own.
+    auto firstRenderer = vtkSmartPointer<vtkRenderer>::New();
+    m_viewer = std::make_shared<pcl::visualization::PCLVisualizer>(firstRenderer, m_renderWindow,
+                                                                   "m_viewer", false);
+    ui->openGLWidget->setRenderWindow(m_renderWindow);
+    m_viewer->setupInteractor(ui->openGLWidget->interactor(), ui->openGLWidget->renderWindow());
+
+    m_cloud = std::make_shared<Cloud>();
+    m_boxCloud = std::make_shared<Cloud>();
+    m_clickCloud = std::make_shared<Cloud>();
+
+    // "+" and "-" change the size of the next frame's points; the spin box
+    // is deliberately left as it is.
+    m_viewer->registerKeyboardCallback([this](const pcl::visualization::KeyboardEvent& event) {
+        if (!event.keyDown())
+            return;
+        if (event.getKeyCode() == '+')
+            m_pointSize = std::min(m_pointSize + 1, 10);
+        else if (event.getKeyCode() == '-')
+            m_pointSize = std::max(m_pointSize - 1, 1);
+    });
+    m_viewer->registerAreaPickingCallback([this](const pcl::visualization::AreaPickingEvent& event) {
+        std::vector<int> indices;
+        event.getPointsIndices(indices);
+        areaPicked(indices);
+    });
+}
+
+void ScanDeck::initStatusBar()
+{
+    m_progressBar = new QProgressBar(this);
+    m_progressBar->setRange(1, 100);
+    m_progressBar->setFixedHeight(20);
+    m_progressBar->setMaximumWidth(240);
+    m_progressBar->hide();
+    statusBar()->addPermanentWidget(m_progressBar);
+
+    auto* link = new QLabel(this);
+    link->setObjectName(QStringLiteral("label_link"));
+    link->setTextFormat(Qt::RichText);
+    link->setOpenExternalLinks(true);
+    link->setText(QStringLiteral("<a href=\"https://pointclouds.org\">Point Cloud Library</a>"));
+    statusBar()->addPermanentWidget(link);
+
+    auto* views = new QButtonGroup(this);
+    views->setExclusive(true);
+    for (QAbstractButton* b : {static_cast<QAbstractButton*>(ui->btn_top_view), static_cast<QAbstractButton*>(ui->btn_left_view),
+                               static_cast<QAbstractButton*>(ui->btn_right_view), static_cast<QAbstractButton*>(ui->btn_front_view)})
+        views->addButton(b);
+
+    const QFont font(QStringLiteral("微软雅黑"), -1, 75);
+    auto makeLabel = [&](const char* name, int width) {
+        auto* label = new QLabel(this);
+        label->setObjectName(QLatin1String(name));
+        label->setFont(font);
+        label->setFixedWidth(width);
+        statusBar()->addPermanentWidget(label);
+        return label;
+    };
+    m_motorSpeedLabel = makeLabel("label_motor_speed", 220);
+    m_deltaXLabel = makeLabel("label_delta_x", 175);
+    m_deltaYLabel = makeLabel("label_delta_y", 175);
+    m_deltaDistanceLabel = makeLabel("label_delta_distance", 175);
+    m_azimuthLabel = makeLabel("label_azimuth", 175);
+    m_distanceLabel = makeLabel("label_distance", 175);
+    resetReadouts();
+}
+
+void ScanDeck::resetReadouts()
+{
+    m_motorSpeedLabel->setText(tr("motor speed:"));
+    m_deltaXLabel->setText(tr("Δx:"));
+    m_deltaYLabel->setText(tr("Δy:"));
+    m_deltaDistanceLabel->setText(tr("Δdistance:"));
+    m_azimuthLabel->setText(tr("azimuth:"));
+    m_distanceLabel->setText(tr("distance"));
+}
+
+void ScanDeck::applyStyleSheet()
+{
+    QFile file(kStyleSheetFile);
+    if (!file.open(QIODevice::ReadOnly))
+        return;
+    QByteArray sheet = file.readAll();
+    const int end = sheet.indexOf('\0');
+    if (end >= 0)
+        sheet.truncate(end);
+    qApp->setStyleSheet(QString::fromUtf8(sheet));
+}
+
+void ScanDeck::applyStartLanguage()
+{
+    // The form is English; only Chinese needs a switch.
+    if (readLanguageSetting() == QLatin1String("Chinese")) {
+        switchLanguage(kChinese);
+        ui->cob_language->setCurrentIndex(0);
+    } else {
+        ui->cob_language->setCurrentIndex(1);
+    }
+}
+
+void ScanDeck::switchLanguage(const QString& text)
+{
+    const QString title = windowTitle();
+    if (!m_translator)
+        m_translator = new QTranslator(this);
+    m_translator->load(kTranslationFile);
+    if (text == kChinese) {
+        storeLanguageSetting(QStringLiteral("Chinese"));
+        QApplication::removeTranslator(m_translator);  // installed once only
+        QApplication::installTranslator(m_translator);
+    } else if (text == kEnglish) {
+        storeLanguageSetting(QStringLiteral("English"));
+        QApplication::removeTranslator(m_translator);
+    }
+    ui->retranslateUi(this);
+    resetReadouts();
+    setWindowTitle(title);  // keeps a model name in the title
+    if (m_session && m_session->GetConnectionType() != -1)
+        configureDevicePanel(title);
+}
+
+void ScanDeck::toggleTabPanel()
+{
+    const bool show = !ui->tabWidget->isVisible();
+    ui->tabWidget->setVisible(show);
+    ui->btn_tabWidget_hide->setIcon(QIcon(show ? QStringLiteral(":/images/images/up2.png")
+                                                : QStringLiteral(":/images/images/down2.png")));
+}
+
+// The new page drops in from above and settles with a small overshoot.
+void ScanDeck::slideInTab(int index)
+{
+    QWidget* page = ui->tabWidget->widget(index);
+    if (!page)
+        return;
+    const QRect end = page->geometry();
+    auto* animation = new QPropertyAnimation(page, "geometry");
+    animation->setDuration(300);
+    animation->setEasingCurve(QEasingCurve::OutBack);
+    animation->setStartValue(QRect(end.x(), -70, end.width(), end.height()));
+    animation->setEndValue(end);
+    animation->start(QAbstractAnimation::DeleteWhenStopped);
+}
+
+void ScanDeck::restartProgram()
+{
+    if (!usermessages::question(this, tr("restart"), tr("Confirm restarting the software?")))
+        return;
+    QProcess::startDetached(QApplication::applicationFilePath(), QApplication::arguments().mid(1),
+                            QDir::currentPath());
+    QApplication::exit(0);
+}
+
+void ScanDeck::showAbout()
+{
+    if (!m_about)
+        m_about = new AboutDialog(this);
+    QString firmware;
+    if (m_session && m_session->GetConnectionType() != -1)
+        firmware = m_session->GetLidarParam().text;
+    m_about->setTexts(LIdarFactory::VersionText(), firmware);
+    m_about->show();
+    m_about->raise();
+    m_about->activateWindow();
+}
+
+void ScanDeck::showWarning(const QString& message)
+{
+    usermessages::warning(this, tr("warning"), message);
+}
+
+void ScanDeck::showSavingProgress(float progress)
+{
+    m_progressBar->setValue(static_cast<int>(progress * 100));
+}
+
+void ScanDeck::showFileSaved(const QString& fileName)
+{
+    usermessages::information(this, tr("File saved"), tr("File save path:%1").arg(fileName));
+    m_progressBar->hide();
+}
+
+void ScanDeck::closeEvent(QCloseEvent* event)
+{
+    if (ui->btn_save_data->isChecked()
+        && usermessages::question(this, tr("question"),
+                                  tr("Data is being recorded. Do you want to save the data before "
+                                     "exiting the program?"))
+        && m_session)
+        m_session->EndSaveData();
+    if (ui->btn_export_csv->isChecked()
+        && usermessages::question(this, tr("question"),
+                                  tr("Exporting csv data, do you want to save the data before exiting "
+                                     "the program?"))) {
+        m_csvActive = false;
+        m_csvFile.flush();
+        m_csvFile.close();
+        m_progressBar->hide();
+    }
+    event->accept();
+    QApplication::exit(0);
+}
+
+bool ScanDeck::eventFilter(QObject* watched, QEvent* event)
+{
+    if (watched == ui->openGLWidget) {
+        if (event->type() == QEvent::DragEnter) {
+            auto* drag = static_cast<QDragEnterEvent*>(event);
+            if (offline::isAcceptableDrag(drag->mimeData()))
+                drag->acceptProposedAction();
+            return true;
+        }
+        if (event->type() == QEvent::Drop) {
+            playDroppedFile(offline::droppedFilePath(static_cast<QDropEvent*>(event)->mimeData()));
+            return true;
+        }
+    }
+    return QMainWindow::eventFilter(watched, event);
+}
+
+// A recording dropped on the view is played offline, if the user agrees.
+void ScanDeck::playDroppedFile(const QString& path)
+{
+    const auto parsed = LIdarFactory::GetInstance()->ParseFile(path);
+    if (parsed.second.isEmpty()) {
+        usermessages::information(this, tr("information"), tr("Unable to parse this file"));
+        return;
+    }
+    if (!usermessages::question(this, tr("question"), tr("Whether to play offline file ?")))
+        return;
+    if (m_playing)
+        ui->btn_play_pause->click();  // pause the live display first
+    ui->offline->stop();
+    ui->offline->loadFrames(parsed.first, parsed.second);
+    ui->tabWidget->setCurrentWidget(ui->tab_offline);
+}

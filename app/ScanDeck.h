@@ -1,0 +1,231 @@
+#pragma once
+// The main window: the 3D view of the current frame, the side panel with the
+// live, offline and device pages, the view and measurement tools, the point
+// table and the status bar. The dialogs reach it only through its four
+// interfaces. The per-frame work is done by small helpers (frame selection,
+// cloud fill, table rows); this class wires them to the widgets and the view.
+
+#include "IConnectLiDAR.h"
+#include "IGridPolar.h"
+#include "ITableViewToolBar.h"
+#include "IboxSelection.h"
+#include "LidarRecords.h"
+
+#include <QFile>
+#include <QMainWindow>
+#include <QString>
+#include <cstdint>
+#include <functional>
+#include <future>
+#include <memory>
+#include <vector>
+
+#include <vtkSmartPointer.h>
+
+class AboutDialog;
+class LidarAnalysis;
+class QAbstractButton;
+class QLabel;
+class QProgressBar;
+class QStandardItemModel;
+class QTabBar;
+class QTranslator;
+class TableViewToolBar;
+class vtkGenericOpenGLRenderWindow;
+class vtkOrientationMarkerWidget;
+class vtkRenderer;
+
+namespace pcl {
+struct PointXYZRGB;
+template <typename PointT>
+class PointCloud;
+namespace visualization {
+class PCLVisualizer;
+}
+}  // namespace pcl
+
+namespace Ui {
+class ScanDeckClass;
+}
+
+class ScanDeck : public QMainWindow,
+                 public IConnectLiDAR,
+                 public IGridPolar,
+                 public IboxSelection,
+                 public ITableViewToolBar {
+    Q_OBJECT
+public:
+    using Cloud = pcl::PointCloud<pcl::PointXYZRGB>;
+    using CloudPtr = std::shared_ptr<Cloud>;
+
+    // A picked point of the ranging tool: position and colour.
+    struct ScenePoint {
+        float x = 0.0f, y = 0.0f, z = 0.0f, w = 1.0f;
+        uint8_t r = 0, g = 0, b = 0, a = 255;
+    };
+
+    // Where the time of the last frame went, for the display benchmark:
+    // ScanDeck's own work (rounding, box test, colouring, table rows, cloud
+    // fill), the viewer's remove-and-add of the clouds, and the render.
+    struct FrameTimings {
+        qint64 ownNs = 0;
+        qint64 viewerNs = 0;
+        qint64 renderNs = 0;
+    };
+
+    // The OpenGL format VTK needs; call before the QApplication is made.
+    static void prepareGraphics();
+
+    explicit ScanDeck(QWidget* parent = nullptr);
+    ~ScanDeck() override;
+
+    // IConnectLiDAR
+    bool ConnectNetworkLidar(const QString& model, const NetworkParam& param) override;
+    bool ConnectSerialLidar(const QString& model, const SerialPortParam& param) override;
+    // IGridPolar
+    void showGrid(bool on) override;
+    void showPolar(bool on) override;
+    // IboxSelection
+    void setBoxRange(const BoxCorner& min, const BoxCorner& max) override;
+    BoxRange getBoxRange() const override;
+    // ITableViewToolBar
+    void setTableRows(int rows) override;
+    void setTablePrecision(int precision) override;
+
+    // Rebuilds one cloud from one frame and redraws it under `id`. An empty
+    // colour name colours by the colour mode; rowLimit -1 lists every point.
+    void updateCloud(const lidar::LidarDataPoint_V4& frame, const CloudPtr& cloud, int size,
+                     const QString& colourName, const QString& id, int rowLimit);
+    // Appends one point to the point table.
+    void addTableRow(int id, const lidar::LidarPoint& point);
+
+    // Blocks until the start-up wiring thread has made every connection.
+    void waitUntilWired();
+
+    // Read access for the measurement tools, the benchmark and the tests.
+    int pointSize() const { return m_pointSize; }
+    float minAngle() const { return m_minAngle; }
+    float maxAngle() const { return m_maxAngle; }
+    int tableRows() const { return m_tableRows; }
+    int tablePrecision() const { return m_precision; }
+    bool isBoxActive() const { return m_boxActive; }
+    const Cloud& frameCloud() const { return *m_cloud; }
+    const Cloud& boxCloud() const { return *m_boxCloud; }
+    QStandardItemModel* tableModel() const { return m_tableModel; }
+    pcl::visualization::PCLVisualizer& viewer() const { return *m_viewer; }
+    vtkRenderer* renderer() const;
+    const lidar::LidarDataPoint_V4& lastFrame() const { return m_lastFrame; }
+    const FrameTimings& lastFrameTimings() const { return m_timings; }
+
+signals:
+    void SendMessageSignal(QString message);
+    void SendEndSaveDataSignal(QString fileName);
+    void SendDataSavingProgressSianal(float progress);
+
+public slots:
+    // The display slot for live and offline frames. The frame is rounded in
+    // place; the rounded frame is what the table, the CSV file and the stored
+    // last frame see.
+    void showFrame(lidar::LidarDataPoint_V4 frame);
+    void setPointSize(int size);
+    void setMinAngle(const QString& text);
+    void setMaxAngle(const QString& text);
+    void setCameraView();  // the sender decides the view
+    void showAxes(bool on);
+    void switchLanguage(const QString& text);
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+
+    void initUi();
+    void initViewer();
+    void initStatusBar();
+    void applyStyleSheet();
+    void applyStartLanguage();
+    void resetReadouts();
+    void wireSignals();
+    void wireOfflinePlayer();
+    void wireSessionSignals();
+    void renderView();
+
+    // Operations wired to the controls.
+    void toggleTabPanel();
+    void slideInTab(int index);
+    void restartProgram();
+    void showAbout();
+    void showWarning(const QString& message);
+    void showSavingProgress(float progress);
+    void showFileSaved(const QString& fileName);
+    void toggleTablePane(bool open);
+    void clearView();
+    void setRangingMode(bool on);
+    void autoConnect();
+    void showConnectDialog();
+    void disconnectLidar();
+    void playPause(bool play);
+    void recordData(bool record);
+    void exportCsv(QAbstractButton* button, bool checked);
+    void toggleBoxSelection(bool on);
+    void showBoxRangeDialog();
+    void showGridPolarDialog();
+    void toggleGpsTest();
+    void startNetworkTool();
+    void setMotorFrequencyFromText(const QString& text);
+    void configureDevicePanel(const QString& group);
+    void areaPicked(const std::vector<int>& indices);
+    void playDroppedFile(const QString& path);
+    void writeCsvFrame(const lidar::LidarDataPoint_V4& frame);
+
+    // Batches the renders of several cloud updates into one.
+    class RenderBatch;
+
+    Ui::ScanDeckClass* ui;
+    vtkSmartPointer<vtkGenericOpenGLRenderWindow> m_renderWindow;
+    vtkSmartPointer<vtkOrientationMarkerWidget> m_orientationMarker;
+    CloudPtr m_cloud;       // "m_pointCloud"
+    CloudPtr m_boxCloud;    // "m_boxPointCloud"
+    CloudPtr m_clickCloud;  // "m_clickPointCloud"
+    std::shared_ptr<pcl::visualization::PCLVisualizer> m_viewer;
+    std::shared_ptr<LidarAnalysis> m_session;
+    QProgressBar* m_progressBar = nullptr;
+    TableViewToolBar* m_tableToolBar = nullptr;
+    AboutDialog* m_about = nullptr;
+    lidar::LidarDataPoint_V4 m_lastFrame;
+    int m_pointSize = 4;
+    bool m_playing = false;
+    float m_minAngle = 0.0f;
+    float m_maxAngle = 360.0f;
+    ScenePoint m_pickedPoints[2];
+    bool m_boxActive = false;
+    BoxRange m_boxRange;
+    QStandardItemModel* m_tableModel = nullptr;
+    quintptr m_savedKeyboardLayout = 0;
+    QTabBar* m_tabBar = nullptr;
+    QFile m_csvFile;
+    bool m_csvActive = false;
+    int m_csvFramesWritten = 0;
+    int m_csvFrameLimit = 0;
+    float m_csvStartAngle = 0.0f;
+    float m_csvEndAngle = 360.0f;
+    QString m_csvPath;
+    QTranslator* m_translator = nullptr;
+    int m_tableRows = 30;
+    int m_precision = 2;
+    uint8_t m_rangingActive = 0;
+    int m_overlayCount = 20;  // each overlay reaches count x step
+    QLabel* m_motorSpeedLabel = nullptr;
+    QLabel* m_deltaXLabel = nullptr;
+    QLabel* m_deltaYLabel = nullptr;
+    QLabel* m_deltaDistanceLabel = nullptr;
+    QLabel* m_azimuthLabel = nullptr;
+    QLabel* m_distanceLabel = nullptr;
+
+    int m_renderBatchDepth = 0;
+    bool m_renderPending = false;
+    FrameTimings m_timings;
+    std::promise<void> m_wired;
+    std::shared_future<void> m_wiredFuture;
+};

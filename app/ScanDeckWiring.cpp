@@ -1,0 +1,91 @@
+// Which control drives which operation. wireSignals runs once, on the
+// start-up thread; wireSessionSignals each time a session is connected.
+
+#include "ScanDeck.h"
+
+#include "LidarAnalysis.h"
+#include "OffinePlayWidget.h"
+#include "ui_ScanDeck.h"
+
+#include <QTabBar>
+
+void ScanDeck::wireSignals()
+{
+    Ui::ScanDeckClass* u = ui;
+    using Button = QAbstractButton;
+
+    connect(u->btn_ranging, &Button::clicked, this, &ScanDeck::setRangingMode);
+    connect(u->spinBox_point_size, QOverload<int>::of(&QSpinBox::valueChanged), this, &ScanDeck::setPointSize);
+    connect(u->btn_tabWidget_hide, &Button::clicked, this, &ScanDeck::toggleTabPanel);
+    connect(u->cob_language, &QComboBox::currentTextChanged, this, &ScanDeck::switchLanguage);
+    connect(u->btn_auto_connect, &Button::clicked, this, &ScanDeck::autoConnect);
+    connect(u->btn_connect, &Button::clicked, this, &ScanDeck::showConnectDialog);
+    connect(u->btn_disconnect, &Button::clicked, this, &ScanDeck::disconnectLidar);
+    connect(this, &ScanDeck::SendMessageSignal, this, &ScanDeck::showWarning);
+    connect(u->spinbox_min_angle, &QDoubleSpinBox::textChanged, this, &ScanDeck::setMinAngle);
+    connect(u->spinbox_max_angle, &QDoubleSpinBox::textChanged, this, &ScanDeck::setMaxAngle);
+    connect(u->btn_grid, &Button::clicked, this, &ScanDeck::showGrid);
+    connect(u->btn_polar, &Button::clicked, this, &ScanDeck::showPolar);
+    connect(u->btn_set_grid_polar, &Button::clicked, this, &ScanDeck::showGridPolarDialog);
+    connect(u->btn_table, &Button::clicked, this, &ScanDeck::toggleTablePane);
+    connect(u->btn_axis, &Button::clicked, this, &ScanDeck::showAxes);
+    for (Button* view : {static_cast<Button*>(u->btn_front_view), static_cast<Button*>(u->btn_left_view),
+                         static_cast<Button*>(u->btn_right_view), static_cast<Button*>(u->btn_top_view)})
+        connect(view, &Button::clicked, this, &ScanDeck::setCameraView);
+    connect(u->btn_play_pause, &Button::clicked, this, &ScanDeck::playPause);
+    if (m_tabBar)
+        connect(m_tabBar, &QTabBar::currentChanged, this, &ScanDeck::slideInTab);
+    connect(u->btn_reboot, &Button::clicked, this, &ScanDeck::restartProgram);
+    connect(u->btn_about, &Button::clicked, this, &ScanDeck::showAbout);
+    connect(u->btn_clear, &Button::clicked, this, &ScanDeck::clearView);
+    connect(u->btn_save_data, &Button::clicked, this, &ScanDeck::recordData);
+    connect(u->btn_export_csv, &Button::clicked, this,
+            [this](bool checked) { exportCsv(ui->btn_export_csv, checked); });
+    connect(this, &ScanDeck::SendDataSavingProgressSianal, this, &ScanDeck::showSavingProgress);
+    connect(this, &ScanDeck::SendEndSaveDataSignal, this, &ScanDeck::showFileSaved);
+    connect(u->btn_point_cloud_select, &Button::clicked, this, &ScanDeck::toggleBoxSelection);
+    wireOfflinePlayer();
+    connect(u->btn_GPS_test, &Button::clicked, this, &ScanDeck::toggleGpsTest);
+    connect(u->btn_network_interface_setting, &Button::clicked, this, &ScanDeck::startNetworkTool);
+    connect(u->btn_resize_range, &Button::clicked, this, &ScanDeck::showBoxRangeDialog);
+
+    // The Grid action (Ctrl+G) is another way to the grid button.
+    connect(u->act_grid, &QAction::triggered, u->btn_grid, &Button::click);
+    connect(u->btn_grid, &Button::toggled, u->act_grid, &QAction::setChecked);
+}
+
+void ScanDeck::wireOfflinePlayer()
+{
+    OffinePlayWidget* player = ui->offline;
+    // Direct: each tick of the player draws before it returns.
+    connect(player, &OffinePlayWidget::SendLidarDataSignal, this, &ScanDeck::showFrame, Qt::DirectConnection);
+    connect(player, &OffinePlayWidget::SendLidarTypeSignal, this, &ScanDeck::setWindowTitle);
+    connect(player, &OffinePlayWidget::SendShowTableWidgetSignal, this, [this](bool bShow) {
+        if (bShow != ui->btn_table->isChecked())
+            ui->btn_table->click();
+    });
+    connect(player, &OffinePlayWidget::SendExportCsvDataSianal, this, [this](bool checked) {
+        ui->btn_export_csv->setChecked(checked);
+        emit ui->btn_export_csv->clicked(checked);
+    });
+}
+
+void ScanDeck::wireSessionSignals()
+{
+    LidarAnalysis* session = m_session.get();
+    // Motor switch and filter box: the session is the receiver, so the
+    // commands run (queued) on the session's thread.
+    connect(ui->btn_motor_state, &QAbstractButton::toggled, session,
+            [session](bool checked) { session->SetMotorFrequency(checked ? 1 : 0); });
+    connect(session, &LidarAnalysis::SendleLidarDataSignal, this, &ScanDeck::showFrame, Qt::UniqueConnection);
+    connect(session, &LidarAnalysis::SendMessageSignal, this, &ScanDeck::showWarning);
+    connect(session, &LidarAnalysis::SendEndSaveDataSignal, this, &ScanDeck::showFileSaved);
+    connect(session, &LidarAnalysis::SendGPSTimeData, this, [](const lidar::GPSTime&) {
+        // The GPS test window takes these once it exists.
+    });
+    connect(ui->comboBox_motor_filter, QOverload<int>::of(&QComboBox::activated), session,
+            [session](int index) { session->SetLidarFilter(index); });
+    // The frequency command runs here, on the user interface thread.
+    connect(ui->comboBox_motor_frequency, &QComboBox::textActivated, this,
+            &ScanDeck::setMotorFrequencyFromText);
+}
