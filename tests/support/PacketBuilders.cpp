@@ -69,10 +69,10 @@ GpsStamp GpsStamp::later(qint64 microseconds) const
     return s;
 }
 
-quint64 GpsStamp::epochNs() const
+quint64 GpsStamp::packetTimeNs() const
 {
-    const QDateTime t(QDate(year, month, day), QTime(hour, minute, second, millisecond), Qt::UTC);
-    return quint64(t.toMSecsSinceEpoch()) * 1000000u + quint64(microsecond) * 1000u;
+    const QDateTime t(QDate(year, month, day), QTime(hour, minute, second), Qt::UTC);
+    return quint64(double(t.toSecsSinceEpoch()) * 1e9 + millisecond * 1e6 + microsecond * 1e3);
 }
 
 void putStamp(QByteArray& p, int offset, const GpsStamp& s)

@@ -32,8 +32,9 @@ struct GpsStamp {
 
     // The stamp `microseconds` later, carried through the calendar.
     GpsStamp later(qint64 microseconds) const;
-    // Nanoseconds since the epoch, the calendar read as UTC.
-    quint64 epochNs() const;
+    // The packet time in nanoseconds as the decoders compute it, in double
+    // precision (so to within about 256 ns), the calendar read as UTC.
+    quint64 packetTimeNs() const;
 };
 // Writes the eight calendar bytes: year - 2000, month, day, hour, minute,
 // second, 16-bit millisecond and microsecond.
