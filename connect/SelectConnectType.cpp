@@ -6,6 +6,7 @@
 #include <QRegExpValidator>
 #include <QSerialPort>
 #include <QSerialPortInfo>
+#include <QShowEvent>
 
 namespace {
 
@@ -62,9 +63,14 @@ SelectConnectType::~SelectConnectType() = default;
 
 void SelectConnectType::refreshPorts()
 {
+    // The port the user picked stays picked while it is still there.
+    const QString picked = ui->cob_portName->currentText();
     ui->cob_portName->clear();
     for (const QSerialPortInfo& info : QSerialPortInfo::availablePorts())
         ui->cob_portName->addItem(info.portName());
+    const int index = ui->cob_portName->findText(picked);
+    if (index >= 0)
+        ui->cob_portName->setCurrentIndex(index);
 }
 
 void SelectConnectType::loadModelSettings(const QString& model)
@@ -134,6 +140,14 @@ void SelectConnectType::onOkClicked()
 void SelectConnectType::showInformation(const QString& title, const QString& text)
 {
     QMessageBox::information(this, title, text, QMessageBox::Ok);
+}
+
+void SelectConnectType::showEvent(QShowEvent* event)
+{
+    // The dialog is kept between connections: list the ports of now.
+    if (!event->spontaneous())
+        refreshPorts();
+    QDialog::showEvent(event);
 }
 
 void SelectConnectType::changeEvent(QEvent* event)

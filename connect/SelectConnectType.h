@@ -38,6 +38,7 @@ protected:
     // Every message of the dialog goes through here; tests override it so
     // that nothing waits for a click.
     virtual void showInformation(const QString& title, const QString& text);
+    void showEvent(QShowEvent* event) override;
     void changeEvent(QEvent* event) override;
 
 private slots:

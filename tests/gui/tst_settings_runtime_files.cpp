@@ -3,6 +3,7 @@
 // icons compiled in. Runs in the build directory, like the programs.
 
 #include "IniSettings.h"
+#include "SelectConnectType.h"
 
 #include <QApplication>
 #include <QComboBox>
@@ -11,6 +12,7 @@
 #include <QIcon>
 #include <QImage>
 #include <QPushButton>
+#include <QTemporaryDir>
 #include <QTranslator>
 #include <QtTest>
 
@@ -34,6 +36,7 @@ private slots:
     void styleSheetParses();
     void translationCoversTheDialog_data();
     void translationCoversTheDialog();
+    void dialogFollowsTheLanguage();
     void settingsCopyNextToThePrograms();
 };
 
@@ -107,6 +110,31 @@ void RuntimeFilesTest::translationCoversTheDialog()
     QTranslator translator;
     QVERIFY(translator.load("./scandeck_zh.qm"));
     QCOMPARE(translator.translate(qPrintable(context), qPrintable(source)), chinese);
+}
+
+// The connection dialog is kept between showings: a language switch while it
+// exists retranslates it.
+void RuntimeFilesTest::dialogFollowsTheLanguage()
+{
+    QTemporaryDir dir;
+    SelectConnectType dialog(nullptr, nullptr, dir.filePath("connect_type.ini"));
+    auto* ok = dialog.findChild<QPushButton*>("btn_ok");
+    auto* parity = dialog.findChild<QComboBox*>("cob_parity");
+    parity->setCurrentIndex(1);
+
+    QTranslator translator;
+    QVERIFY(translator.load("./scandeck_zh.qm"));
+    QApplication::installTranslator(&translator);
+    QApplication::processEvents();
+    QCOMPARE(dialog.windowTitle(), QString::fromUtf8("选择连接"));
+    QCOMPARE(ok->text(), QString::fromUtf8("确定"));
+    QCOMPARE(parity->currentText(), QString::fromUtf8("奇校验"));
+
+    QApplication::removeTranslator(&translator);
+    QApplication::processEvents();
+    QCOMPARE(dialog.windowTitle(), QString("Select the connection"));
+    QCOMPARE(ok->text(), QString("Ok"));
+    QCOMPARE(parity->currentIndex(), 1);
 }
 
 void RuntimeFilesTest::settingsCopyNextToThePrograms()
