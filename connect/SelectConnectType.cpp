@@ -1,8 +1,9 @@
 #include "SelectConnectType.h"
 #include "ui_SelectConnectType.h"
 
+#include "UserMessages.h"
+
 #include <QEvent>
-#include <QMessageBox>
 #include <QRegExpValidator>
 #include <QSerialPort>
 #include <QSerialPortInfo>
@@ -139,7 +140,7 @@ void SelectConnectType::onOkClicked()
 
 void SelectConnectType::showInformation(const QString& title, const QString& text)
 {
-    QMessageBox::information(this, title, text, QMessageBox::Ok);
+    usermessages::information(this, title, text);
 }
 
 void SelectConnectType::showEvent(QShowEvent* event)

@@ -35,8 +35,9 @@ public slots:
     void loadModelSettings(const QString& model);
 
 protected:
-    // Every message of the dialog goes through here; tests override it so
-    // that nothing waits for a click.
+    // Every message of the dialog goes through here (by default the viewer's
+    // message hook, usermessages::information); tests override it so that
+    // nothing waits for a click.
     virtual void showInformation(const QString& title, const QString& text);
     void showEvent(QShowEvent* event) override;
     void changeEvent(QEvent* event) override;

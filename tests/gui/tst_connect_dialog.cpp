@@ -4,6 +4,7 @@
 #include "IConnectLiDAR.h"
 #include "IniSettings.h"
 #include "SelectConnectType.h"
+#include "UserMessages.h"
 
 #include <QComboBox>
 #include <QFile>
@@ -96,6 +97,7 @@ private slots:
     void networkOk();
     void missingSettingsFile();
     void refreshAndCancel();
+    void messagesGoThroughTheViewersHook();
 };
 
 void ConnectDialogTest::formAndModelList()
@@ -360,6 +362,22 @@ void ConnectDialogTest::refreshAndCancel()
     dialog.get<QPushButton>("btn_cancel")->click();
     QVERIFY(!dialog.isVisible());
     QVERIFY(window.calls.isEmpty() && dialog.messages.isEmpty());
+}
+
+void ConnectDialogTest::messagesGoThroughTheViewersHook()
+{
+    QTemporaryDir dir;
+    FakeWindow window;
+    SelectConnectType dialog(&window, nullptr, settingsFile(dir));
+    QStringList seen;
+    const auto previous = usermessages::setHandler([&](QWidget* parent, const UserMessage& message) {
+        seen << QString("%1 %2: %3").arg(parent == &dialog).arg(message.title, message.text);
+        return QMessageBox::Ok;
+    });
+    dialog.findChild<QComboBox*>("cob_portName")->clear();
+    dialog.findChild<QPushButton*>("btn_ok")->click();
+    usermessages::setHandler(previous);
+    QCOMPARE(seen, QStringList{"1 information: Please select the radar port"});
 }
 
 QTEST_MAIN(ConnectDialogTest)
