@@ -377,7 +377,7 @@
         <translation>语言：</translation>
     </message>
     <message>
-        <location line="+78" />
+        <location line="+84" />
         <source>Point Size</source>
         <translation>点大小</translation>
     </message>
@@ -387,7 +387,7 @@
         <translation>点大小（在视图中按 + 和 - 调整）</translation>
     </message>
     <message>
-        <location line="+16" />
+        <location line="+23" />
         <source>Angle</source>
         <translation>角度</translation>
     </message>
@@ -407,7 +407,7 @@
         <translation>显示的最大方位角（度）</translation>
     </message>
     <message>
-        <location line="+13" />
+        <location line="+20" />
         <source>Color</source>
         <translation>颜色</translation>
     </message>
@@ -432,133 +432,73 @@
         <translation>纯色</translation>
     </message>
     <message>
-        <location line="+19" />
-        <source>Measure the distance between two points</source>
-        <translation>测量两点之间的距离</translation>
+        <location line="+25" />
+        <source>Version of ScanDeck and of the connected lidar</source>
+        <translation>ScanDeck 与已连接雷达的版本</translation>
     </message>
     <message>
-        <location line="+3" />
+        <location line="+90" />
         <source>Range Finding</source>
         <translation>测距</translation>
     </message>
     <message>
-        <location line="+26" />
-        <source>Select the points inside a rectangle</source>
-        <translation>框选矩形内的点</translation>
-    </message>
-    <message>
-        <location line="+3" />
+        <location line="+29" />
         <source>Point Cloud Box</source>
         <translation>点云框选</translation>
     </message>
     <message>
-        <location line="+29" />
-        <source>Edit the selection box</source>
-        <translation>编辑框选范围</translation>
-    </message>
-    <message>
-        <location line="+3" />
+        <location line="+32" />
         <source>Range Resize</source>
         <translation>范围调整</translation>
     </message>
     <message>
-        <location line="+30" />
-        <source>Square grid in the ground plane</source>
-        <translation>地面上的方形网格</translation>
-    </message>
-    <message>
-        <location line="+3" />
-        <location line="+395" />
+        <location line="+33" />
+        <location line="+345" />
         <source>Grid</source>
         <translation>网格</translation>
     </message>
     <message>
-        <location line="-369" />
-        <source>Range rings around the lidar</source>
-        <translation>雷达周围的距离环</translation>
-    </message>
-    <message>
-        <location line="+3" />
+        <location line="-316" />
         <source>Polar</source>
         <translation>极坐标</translation>
     </message>
     <message>
-        <location line="+26" />
-        <source>Colour and spacing of grid and rings</source>
-        <translation>网格和距离环的颜色与间距</translation>
-    </message>
-    <message>
-        <location line="+3" />
+        <location line="+29" />
         <source>Set Grid and Polar</source>
         <translation>网格与极坐标设置</translation>
     </message>
     <message>
-        <location line="+30" />
-        <source>Coordinate axes at the lidar</source>
-        <translation>雷达处的坐标轴</translation>
-    </message>
-    <message>
-        <location line="+3" />
+        <location line="+33" />
         <source>Axis</source>
         <translation>坐标轴</translation>
     </message>
     <message>
-        <location line="+26" />
-        <source>View from above</source>
-        <translation>从上方观察</translation>
-    </message>
-    <message>
-        <location line="+3" />
+        <location line="+29" />
         <source>Top</source>
         <translation>俯视</translation>
     </message>
     <message>
-        <location line="+26" />
-        <source>View from the front</source>
-        <translation>从前方观察</translation>
-    </message>
-    <message>
-        <location line="+3" />
+        <location line="+29" />
         <source>Front</source>
         <translation>前视</translation>
     </message>
     <message>
-        <location line="+26" />
-        <source>View from the left</source>
-        <translation>从左侧观察</translation>
-    </message>
-    <message>
-        <location line="+3" />
+        <location line="+29" />
         <source>Left</source>
         <translation>左视</translation>
     </message>
     <message>
-        <location line="+26" />
-        <source>View from the right</source>
-        <translation>从右侧观察</translation>
-    </message>
-    <message>
-        <location line="+3" />
+        <location line="+29" />
         <source>Right</source>
         <translation>右视</translation>
     </message>
     <message>
-        <location line="+33" />
-        <source>Show the points of the frame as a table</source>
-        <translation>以表格显示当前帧的点</translation>
-    </message>
-    <message>
-        <location line="+3" />
+        <location line="+36" />
         <source>Point Table</source>
         <translation>点表</translation>
     </message>
     <message>
-        <location line="+39" />
-        <source>Version of ScanDeck and of the lidar</source>
-        <translation>ScanDeck 与雷达的版本</translation>
-    </message>
-    <message>
-        <location line="+3" />
+        <location line="-424" />
         <source>About</source>
         <translation>关于</translation>
     </message>
@@ -573,7 +513,67 @@
         <translation>面板</translation>
     </message>
     <message>
-        <location line="+87" />
+        <location line="+58" />
+        <source>Range Finding – click two points to measure their distance</source>
+        <translation>测距 – 点击两个点测量它们之间的距离</translation>
+    </message>
+    <message>
+        <location line="+29" />
+        <source>Point Cloud Box – drag a rectangle to select the points inside</source>
+        <translation>点云框选 – 拖出矩形选取其中的点</translation>
+    </message>
+    <message>
+        <location line="+32" />
+        <source>Range Resize – edit the selection box</source>
+        <translation>范围调整 – 编辑框选范围</translation>
+    </message>
+    <message>
+        <location line="+33" />
+        <source>Grid – square grid in the ground plane (Ctrl+G)</source>
+        <translation>网格 – 地面上的方形网格（Ctrl+G）</translation>
+    </message>
+    <message>
+        <location line="+29" />
+        <source>Polar – range rings around the lidar</source>
+        <translation>极坐标 – 雷达周围的距离环</translation>
+    </message>
+    <message>
+        <location line="+29" />
+        <source>Set Grid and Polar – colour and spacing of grid and rings</source>
+        <translation>网格与极坐标设置 – 网格和距离环的颜色与间距</translation>
+    </message>
+    <message>
+        <location line="+33" />
+        <source>Axis – coordinate axes at the lidar</source>
+        <translation>坐标轴 – 雷达处的坐标轴</translation>
+    </message>
+    <message>
+        <location line="+29" />
+        <source>Top – view from above</source>
+        <translation>俯视 – 从上方观察</translation>
+    </message>
+    <message>
+        <location line="+29" />
+        <source>Front – view from the front</source>
+        <translation>前视 – 从前方观察</translation>
+    </message>
+    <message>
+        <location line="+29" />
+        <source>Left – view from the left</source>
+        <translation>左视 – 从左侧观察</translation>
+    </message>
+    <message>
+        <location line="+29" />
+        <source>Right – view from the right</source>
+        <translation>右视 – 从右侧观察</translation>
+    </message>
+    <message>
+        <location line="+36" />
+        <source>Point Table – the points of the frame as a table</source>
+        <translation>点表 – 以表格显示当前帧的点</translation>
+    </message>
+    <message>
+        <location line="+108" />
         <source>Ctrl+G</source>
         <translation>Ctrl+G</translation>
     </message>
@@ -676,13 +676,13 @@
         <translation>取消</translation>
     </message>
     <message>
-        <location filename="../connect/SelectConnectType.cpp" line="+50" />
-        <location line="+93" />
+        <location filename="../connect/SelectConnectType.cpp" line="+52" />
+        <location line="+106" />
         <source>Select the connection</source>
         <translation>选择连接</translation>
     </message>
     <message>
-        <location line="-41" />
+        <location line="-49" />
         <location line="+5" />
         <location line="+24" />
         <source>information</source>
