@@ -1,7 +1,8 @@
 #pragma once
 // What the four Tern models share: packets run from a header A5 5A to a
 // trailer FA FB, a packet covers 15 degrees spread over its valid points,
-// filter codes, and GPS calendar time stamps (Tern_P, Tern_GPS, Tern_Plus).
+// the ways models read their distance words, filter codes, replies and
+// command packets, and GPS calendar time stamps (Tern_P, Tern_GPS, Tern_Plus).
 
 #include "DecodeCommon.h"
 #include "LidarAnalysis.h"
