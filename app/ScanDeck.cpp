@@ -240,6 +240,8 @@ void ScanDeck::initStatusBar()
 
 void ScanDeck::resetReadouts()
 {
+    if (!m_motorSpeedLabel)
+        return;  // the start-up language switch comes before the status bar
     m_motorSpeedLabel->setText(tr("motor speed:"));
     m_deltaXLabel->setText(tr("Δx:"));
     m_deltaYLabel->setText(tr("Δy:"));
@@ -307,7 +309,7 @@ void ScanDeck::slideInTab(int index)
     if (!page)
         return;
     const QRect end = page->geometry();
-    auto* animation = new QPropertyAnimation(page, "geometry");
+    auto* animation = new QPropertyAnimation(page, "geometry", page);
     animation->setDuration(300);
     animation->setEasingCurve(QEasingCurve::OutBack);
     animation->setStartValue(QRect(end.x(), -70, end.width(), end.height()));

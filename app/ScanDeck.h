@@ -98,6 +98,9 @@ public:
                      const QString& colourName, const QString& id, int rowLimit);
     // Appends one point to the point table.
     void addTableRow(int id, const lidar::LidarPoint& point);
+    // The view's rubber band picked these points of the displayed cloud:
+    // their bounding box becomes the selection box, which is now in force.
+    void areaPicked(const std::vector<int>& indices);
 
     // Blocks until the start-up wiring thread has made every connection.
     void waitUntilWired();
@@ -175,7 +178,6 @@ private:
     void startNetworkTool();
     void setMotorFrequencyFromText(const QString& text);
     void configureDevicePanel(const QString& group);
-    void areaPicked(const std::vector<int>& indices);
     void playDroppedFile(const QString& path);
     void writeCsvFrame(const lidar::LidarDataPoint_V4& frame);
 

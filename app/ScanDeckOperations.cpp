@@ -4,8 +4,14 @@
 
 #include "ScanDeck.h"
 
+#include "FrameCloud.h"
+#include "FrameSelection.h"
 #include "LidarAnalysis.h"
 #include "ui_ScanDeck.h"
+
+#include <pcl/point_cloud.h>
+#include <pcl/point_types.h>
+#include <pcl/visualization/pcl_visualizer.h>
 
 bool ScanDeck::ConnectNetworkLidar(const QString& model, const NetworkParam& param)
 {
@@ -78,9 +84,32 @@ void ScanDeck::toggleBoxSelection(bool on)
     Q_UNUSED(on);
 }
 
+// The view reports the points of the displayed cloud inside the dragged
+// rectangle; their bounding box becomes the selection box.
 void ScanDeck::areaPicked(const std::vector<int>& indices)
 {
-    Q_UNUSED(indices);
+    m_viewer->removePointCloud("m_clickPointCloud");
+    m_boxCloud->points.clear();
+    for (int index : indices) {
+        if (index >= 0 && size_t(index) < m_cloud->points.size())
+            m_boxCloud->points.push_back(m_cloud->points[size_t(index)]);
+    }
+    m_boxCloud->width = uint32_t(m_boxCloud->points.size());
+    m_boxCloud->height = 1;
+    // An empty pick leaves min above max: a box that holds nothing.
+    const display::CloudExtent extent = display::cloudExtent(*m_boxCloud);
+    m_boxRange = {{extent.min[0], extent.min[1], extent.min[2], 1.0f},
+                  {extent.max[0], extent.max[1], extent.max[2], 1.0f}};
+
+    const bool paused = m_session && m_session->GetConnectionType() != -1 && !m_playing;
+    if (!paused && m_boxActive) {
+        const lidar::LidarDataPoint_V4 selection = display::selectInBox(m_lastFrame, m_boxRange);
+        if (!selection.points.isEmpty())
+            updateCloud(selection, m_boxCloud, m_pointSize + 2, QStringLiteral("white"),
+                        QStringLiteral("m_boxPointCloud"), -1);
+    }
+    m_boxActive = true;
+    ui->btn_resize_range->setEnabled(true);
 }
 
 void ScanDeck::showBoxRangeDialog() {}

@@ -13,4 +13,8 @@ namespace display {
 // order, with the frame's ambient value, motor speed and date-time.
 lidar::LidarDataPoint_V4 roundAndSelect(lidar::LidarDataPoint_V4& frame, const BoxRange* box);
 
+// The points of an already rounded frame inside `box`, as above, without
+// touching the frame.
+lidar::LidarDataPoint_V4 selectInBox(const lidar::LidarDataPoint_V4& frame, const BoxRange& box);
+
 }  // namespace display
