@@ -147,7 +147,7 @@
 <context>
     <name>ScanDeck</name>
     <message>
-        <location filename="../app/ScanDeck.cpp" line="+243" />
+        <location filename="../app/ScanDeck.cpp" line="+245" />
         <source>motor speed:</source>
         <translation>电机转速：</translation>
     </message>
