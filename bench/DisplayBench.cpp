@@ -1,0 +1,305 @@
+// scandeck-display-bench: how fast the main window shows frames, against a
+// bare PCLVisualizer in a QVTKOpenGLNativeWidget of the same size redrawing a
+// cloud of the same points. Prints, per frame size: frames per second, ms per
+// frame and, for ScanDeck, the ms of its own work (rounding, box test,
+// colouring, table rows, cloud fill), of the viewer's remove-and-add and of
+// the render. Run it under a display, e.g.
+//   xvfb-run -a -s "-screen 0 1600x900x24" ./scandeck-display-bench
+// Options: --seconds S (per measurement, default 2), --repeat R (default 3,
+// the median is printed), --hold S (keep the window open S seconds at the end).
+
+#include "ScanDeck.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QTextStream>
+#include <QVTKOpenGLNativeWidget.h>
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <functional>
+#include <random>
+
+#include <pcl/point_cloud.h>
+#include <pcl/point_types.h>
+#include <pcl/visualization/pcl_visualizer.h>
+#include <vtkCamera.h>
+#include <vtkGenericOpenGLRenderWindow.h>
+#include <vtkObject.h>
+#include <vtkRenderWindow.h>
+#include <vtkRenderer.h>
+
+namespace {
+
+using Cloud = pcl::PointCloud<pcl::PointXYZRGB>;
+
+// One revolution in a 12 m x 8 m room with some clutter: distances from the
+// walls plus noise, intensity varying along the walls.
+lidar::LidarDataPoint_V4 roomFrame(int points, int seed)
+{
+    std::mt19937 random(seed);
+    std::normal_distribution<float> noise(0.0f, 0.01f);
+    lidar::LidarDataPoint_V4 frame;
+    frame.motorSpeed = 600;
+    auto& line = frame.points[0];
+    line.reserve(points);
+    for (int i = 0; i < points; ++i) {
+        lidar::LidarPoint p;
+        p.azimuth = 360.0f * i / points;
+        const double a = p.azimuth * M_PI / 180.0;
+        const double sx = std::sin(a), cy = std::cos(a);
+        double d = std::min(sx != 0 ? std::abs((sx > 0 ? 7.0 : 5.0) / sx) : 1e9,
+                            cy != 0 ? std::abs((cy > 0 ? 5.0 : 3.0) / cy) : 1e9);
+        if (std::fmod(p.azimuth, 40.0f) < 3.0f)
+            d = std::min(d, 2.5);  // a pillar
+        d += noise(random);
+        p.distance = int32_t(d * 1000);
+        p.x = float(sx * d);
+        p.y = float(cy * d);
+        p.intensity = int32_t(i * 7 + seed) % 256;
+        line.push_back(p);
+    }
+    return frame;
+}
+
+struct Figures {
+    double fps = 0;
+    double msPerFrame = 0;
+    double ownMs = 0;
+    double viewerMs = 0;
+    double renderMs = 0;
+};
+
+// Runs `step(i)` followed by one pass of the event loop (the widget paints
+// the new image) for `seconds`, after a short warm-up.
+template <typename Step>
+Figures measure(double seconds, Step step)
+{
+    // Warm-up: the window has just been shown; let its first frames settle.
+    QElapsedTimer clock;
+    clock.start();
+    for (int i = 0; i < 10 || clock.elapsed() < 500; ++i) {
+        step(i);
+        QApplication::processEvents();
+    }
+    Figures f;
+    clock.restart();
+    int frames = 0;
+    double own = 0, viewer = 0, render = 0;
+    while (clock.elapsed() < seconds * 1000) {
+        const Figures inner = step(frames);
+        QApplication::processEvents();
+        own += inner.ownMs;
+        viewer += inner.viewerMs;
+        render += inner.renderMs;
+        ++frames;
+    }
+    const double elapsedMs = clock.nsecsElapsed() / 1e6;
+    f.msPerFrame = elapsedMs / frames;
+    f.fps = 1000.0 / f.msPerFrame;
+    f.ownMs = own / frames;
+    f.viewerMs = viewer / frames;
+    f.renderMs = render / frames;
+    return f;
+}
+
+Figures median(std::vector<Figures> runs)
+{
+    std::sort(runs.begin(), runs.end(), [](const Figures& a, const Figures& b) { return a.fps < b.fps; });
+    return runs[runs.size() / 2];
+}
+
+Figures timingsOf(const ScanDeck& window)
+{
+    const ScanDeck::FrameTimings& t = window.lastFrameTimings();
+    Figures f;
+    f.ownMs = t.ownNs / 1e6;
+    f.viewerMs = t.viewerNs / 1e6;
+    f.renderMs = t.renderNs / 1e6;
+    return f;
+}
+
+// The reference: a bare viewer in its own widget, one cloud, one render per
+// frame. The widget of `viewSize` sits in a top-level window of `windowSize`,
+// so that it can match ScanDeck's view and window both.
+class BareViewer {
+public:
+    BareViewer(const QSize& windowSize, const QSize& viewSize)
+        : m_widget(&m_top), m_window(vtkSmartPointer<vtkGenericOpenGLRenderWindow>::New()), m_cloud(new Cloud)
+    {
+        auto renderer = vtkSmartPointer<vtkRenderer>::New();
+        m_viewer = std::make_shared<pcl::visualization::PCLVisualizer>(renderer, m_window, "bare", false);
+        m_widget.setRenderWindow(m_window);
+        m_viewer->setupInteractor(m_widget.interactor(), m_widget.renderWindow());
+        m_viewer->getRendererCollection()->GetFirstRenderer()->GetActiveCamera()->SetPosition(0, 0, 15);
+        m_top.setGeometry(0, 0, windowSize.width(), windowSize.height());
+        m_widget.setGeometry((windowSize.width() - viewSize.width()) / 2,
+                             (windowSize.height() - viewSize.height()) / 2, viewSize.width(), viewSize.height());
+    }
+    QWidget& widget() { return m_top; }
+
+    // The same points as ScanDeck draws, coloured, copied in as a new frame would be.
+    Figures draw(const Cloud& points, bool removeAndAdd)
+    {
+        QElapsedTimer clock;
+        clock.start();
+        *m_cloud = points;
+        const pcl::visualization::PointCloudColorHandlerRGBField<pcl::PointXYZRGB> colours(m_cloud);
+        if (removeAndAdd || !m_viewer->updatePointCloud<pcl::PointXYZRGB>(m_cloud, colours, "cloud")) {
+            m_viewer->removePointCloud("cloud");
+            m_viewer->addPointCloud<pcl::PointXYZRGB>(m_cloud, colours, "cloud", 0);
+            m_viewer->setPointCloudRenderingProperties(pcl::visualization::PCL_VISUALIZER_POINT_SIZE, 4, "cloud");
+        }
+        Figures f;
+        f.viewerMs = clock.nsecsElapsed() / 1e6;
+        clock.restart();
+        m_window->Render();
+        f.renderMs = clock.nsecsElapsed() / 1e6;
+        return f;
+    }
+
+private:
+    QWidget m_top;
+    QVTKOpenGLNativeWidget m_widget;
+    vtkSmartPointer<vtkGenericOpenGLRenderWindow> m_window;
+    std::shared_ptr<pcl::visualization::PCLVisualizer> m_viewer;
+    Cloud::Ptr m_cloud;
+};
+
+void printRow(QTextStream& out, int points, const QString& what, const Figures& f, bool withOwn)
+{
+    out << QString("%1  %2 %3 %4").arg(points, 6).arg(what, -40).arg(f.fps, 7, 'f', 1).arg(f.msPerFrame, 9, 'f', 2);
+    if (withOwn)
+        out << QString(" %1").arg(f.ownMs, 8, 'f', 3);
+    else
+        out << QString(" %1").arg("-", 8);
+    out << QString(" %1 %2\n").arg(f.viewerMs, 9, 'f', 3).arg(f.renderMs, 9, 'f', 3);
+    out.flush();
+}
+
+double argument(const QStringList& args, const QString& name, double fallback)
+{
+    const int i = args.indexOf(name);
+    return i >= 0 && i + 1 < args.size() ? args[i + 1].toDouble() : fallback;
+}
+
+}  // namespace
+
+int main(int argc, char* argv[])
+{
+    vtkObject::SetGlobalWarningDisplay(0);
+    ScanDeck::prepareGraphics();
+    QApplication app(argc, argv);
+    const QStringList args = app.arguments();
+    const double seconds = argument(args, "--seconds", 2.0);
+    const int repeat = std::max(1, int(argument(args, "--repeat", 3)));
+    const double hold = argument(args, "--hold", 0.0);
+    QTextStream out(stdout);
+
+    ScanDeck window;
+    window.waitUntilWired();
+    window.setWindowState(Qt::WindowNoState);
+    window.setGeometry(0, 0, 1600, 900);
+    window.show();
+    QApplication::processEvents();
+    QWidget* view = window.findChild<QWidget*>("openGLWidget");
+    const QSize viewSize = view->size();
+
+    BareViewer bareFull(QSize(1600, 900), QSize(1600, 900));
+    BareViewer bareView(QSize(1600, 900), viewSize);
+
+    out << "ScanDeck window 1600x900, its 3D view " << viewSize.width() << "x" << viewSize.height()
+        << "; median of " << repeat << " runs of " << seconds << " s each\n";
+    out << "points  what                                         fps  ms/frame   own ms viewer ms render ms\n";
+
+    for (int points : {1000, 5000, 20000}) {
+        std::vector<lidar::LidarDataPoint_V4> frames;
+        for (int seed = 0; seed < 8; ++seed)
+            frames.push_back(roomFrame(points, seed));
+        // The bare viewer draws the very points ScanDeck drew from each frame.
+        std::vector<Cloud> clouds;
+        for (const auto& frame : frames) {
+            window.showFrame(frame);
+            clouds.push_back(window.frameCloud());
+        }
+
+        // The variants take turns, so that a slow spell of the shared machine
+        // does not fall on one of them only; each figure is the median.
+        auto* table = window.findChild<QAbstractButton*>("btn_table");
+        QSize openViewSize;
+        auto scanDeckRun = [&](bool tableOpen, bool renderTwice = false) {
+            window.show();
+            if (table->isChecked() != tableOpen)
+                table->click();
+            const Figures f = measure(seconds, [&](int i) {
+                window.showFrame(frames[i % frames.size()]);
+                Figures t = timingsOf(window);
+                if (renderTwice) {
+                    // What one render per cloud update, unbatched, would cost.
+                    QElapsedTimer clock;
+                    clock.start();
+                    window.renderer()->GetRenderWindow()->Render();
+                    t.renderMs += clock.nsecsElapsed() / 1e6;
+                }
+                return t;
+            });
+            if (tableOpen) {
+                openViewSize = view->size();
+                table->click();
+            }
+            window.hide();
+            return f;
+        };
+        auto bareRun = [&](BareViewer& bare, bool removeAndAdd) {
+            bare.widget().show();
+            const Figures f =
+                measure(seconds, [&](int i) { return bare.draw(clouds[i % clouds.size()], removeAndAdd); });
+            bare.widget().hide();
+            return f;
+        };
+        const QString viewName = QString("%1x%2").arg(viewSize.width()).arg(viewSize.height());
+        scanDeckRun(true);  // learns the view size with the pane open
+        struct Variant {
+            QString name;
+            bool own;
+            std::function<Figures()> run;
+            std::vector<Figures> runs;
+        };
+        std::vector<Variant> variants{
+            {"ScanDeck, view " + viewName, true, [&] { return scanDeckRun(false); }, {}},
+            {QString("ScanDeck, table open, view %1x%2").arg(openViewSize.width()).arg(openViewSize.height()), true,
+             [&] { return scanDeckRun(true); }, {}},
+            {"ScanDeck, two renders per frame", true, [&] { return scanDeckRun(false, true); }, {}},
+            {"bare 1600x900, updatePointCloud", false, [&] { return bareRun(bareFull, false); }, {}},
+            {"bare 1600x900, remove + add", false, [&] { return bareRun(bareFull, true); }, {}},
+            {"bare " + viewName + " in 1600x900, update", false, [&] { return bareRun(bareView, false); }, {}},
+            {"bare " + viewName + " in 1600x900, rm+add", false, [&] { return bareRun(bareView, true); }, {}},
+        };
+        for (int r = 0; r < repeat; ++r)
+            for (Variant& v : variants)
+                v.runs.push_back(v.run());
+        std::vector<Figures> result;
+        for (Variant& v : variants) {
+            result.push_back(median(v.runs));
+            printRow(out, points, v.name, result.back(), v.own);
+        }
+        out << QString("        ScanDeck / bare 1600x900: %1 %, / bare %2 in 1600x900: %3 %;"
+                       " own work %4 ms (goals: >= 90 %, < 2 ms at 5000)\n\n")
+                   .arg(100.0 * result[0].fps / result[3].fps, 0, 'f', 1)
+                   .arg(viewName)
+                   .arg(100.0 * result[0].fps / result[5].fps, 0, 'f', 1)
+                   .arg(result[0].ownMs, 0, 'f', 3);
+        out.flush();
+    }
+
+    if (hold > 0) {
+        window.show();
+        window.showFrame(roomFrame(5000, 1));
+        QElapsedTimer clock;
+        clock.start();
+        while (clock.elapsed() < hold * 1000)
+            QApplication::processEvents(QEventLoop::AllEvents, 50);
+    }
+    return 0;
+}
