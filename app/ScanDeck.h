@@ -15,7 +15,6 @@
 #include <QMainWindow>
 #include <QString>
 #include <cstdint>
-#include <functional>
 #include <future>
 #include <memory>
 #include <vector>
@@ -47,6 +46,11 @@ class PCLVisualizer;
 namespace Ui {
 class ScanDeckClass;
 }
+
+namespace display {
+struct CloudExtent;
+struct CloudFillResult;
+}  // namespace display
 
 class ScanDeck : public QMainWindow,
                  public IConnectLiDAR,
@@ -179,10 +183,9 @@ private:
     void setMotorFrequencyFromText(const QString& text);
     void configureDevicePanel(const QString& group);
     void playDroppedFile(const QString& path);
+    // Extent and distance span of the drawn selection, for the status bar.
+    void showSelectionReadouts(const display::CloudExtent& extent, const display::CloudFillResult& filled);
     void writeCsvFrame(const lidar::LidarDataPoint_V4& frame);
-
-    // Batches the renders of several cloud updates into one.
-    class RenderBatch;
 
     Ui::ScanDeckClass* ui;
     vtkSmartPointer<vtkGenericOpenGLRenderWindow> m_renderWindow;
@@ -225,6 +228,7 @@ private:
     QLabel* m_azimuthLabel = nullptr;
     QLabel* m_distanceLabel = nullptr;
 
+    // While a frame updates both clouds, their renders are folded into one.
     int m_renderBatchDepth = 0;
     bool m_renderPending = false;
     FrameTimings m_timings;

@@ -83,13 +83,8 @@ void ScanDeck::updateCloud(const lidar::LidarDataPoint_V4& frame, const CloudPtr
         m_tableModel->removeRows(0, m_tableModel->rowCount());
     const display::CloudFillResult filled = display::fillCloud(
         frame, *cloud, options, [this](int pointId, const lidar::LidarPoint& p) { addTableRow(pointId, p); });
-    if (m_boxActive && !frame.points.isEmpty()) {
-        // The box readouts (extent and distance span of the selection) are
-        // shown from here; the numbers are ready for them.
-        const display::CloudExtent extent = display::cloudExtent(*cloud);
-        Q_UNUSED(extent);
-        Q_UNUSED(filled);
-    }
+    if (m_boxActive && !frame.points.isEmpty())
+        showSelectionReadouts(display::cloudExtent(*cloud), filled);
 
     QElapsedTimer clock;
     clock.start();

@@ -114,6 +114,12 @@ void ScanDeck::areaPicked(const std::vector<int>& indices)
 
 void ScanDeck::showBoxRangeDialog() {}
 
+void ScanDeck::showSelectionReadouts(const display::CloudExtent& extent, const display::CloudFillResult& filled)
+{
+    Q_UNUSED(extent);
+    Q_UNUSED(filled);
+}
+
 void ScanDeck::showGridPolarDialog() {}
 
 void ScanDeck::toggleGpsTest() {}
