@@ -119,19 +119,7 @@ void ScanDeck::initUi()
     ui->openGLWidget->setAcceptDrops(true);
 
     // Nothing is connected yet: only the connect buttons are live.
-    ui->btn_GPS_test->setEnabled(false);
-    ui->btn_export_csv->setEnabled(false);
-    ui->btn_auto_connect->setEnabled(true);
-    ui->btn_connect->setEnabled(true);
-    ui->btn_disconnect->setEnabled(false);
-    ui->btn_save_data->setEnabled(false);
-    ui->btn_play_pause->setEnabled(false);
-    ui->btn_play_pause->setChecked(false);
-    ui->btn_motor_state->setEnabled(false);
-    ui->comboBox_motor_filter->setEnabled(false);
-    ui->comboBox_motor_frequency->setEnabled(false);
-    ui->btn_motor_state->setChecked(true);
-    ui->btn_disconnect->setChecked(false);
+    applyLiveState(false);
 
     m_tableModel = new QStandardItemModel(this);
     m_tableModel->setHorizontalHeaderLabels(pointtable::headers());
@@ -290,7 +278,7 @@ void ScanDeck::switchLanguage(const QString& text)
     ui->retranslateUi(this);
     resetReadouts();
     setWindowTitle(title);  // keeps a model name in the title
-    if (m_session && m_session->GetConnectionType() != -1)
+    if (m_live.isConnected())
         configureDevicePanel(title);
 }
 
@@ -331,8 +319,8 @@ void ScanDeck::showAbout()
     if (!m_about)
         m_about = new AboutDialog(this);
     QString firmware;
-    if (m_session && m_session->GetConnectionType() != -1)
-        firmware = m_session->GetLidarParam().text;
+    if (m_live.isConnected())
+        firmware = m_live.session()->GetLidarParam().text;
     m_about->setTexts(LIdarFactory::VersionText(), firmware);
     m_about->show();
     m_about->raise();
@@ -361,8 +349,8 @@ void ScanDeck::closeEvent(QCloseEvent* event)
         && usermessages::question(this, tr("question"),
                                   tr("Data is being recorded. Do you want to save the data before "
                                      "exiting the program?"))
-        && m_session)
-        m_session->EndSaveData();
+        && m_live.session())
+        m_live.session()->EndSaveData();
     if (ui->btn_export_csv->isChecked()
         && usermessages::question(this, tr("question"),
                                   tr("Exporting csv data, do you want to save the data before exiting "

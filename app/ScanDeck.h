@@ -5,11 +5,13 @@
 // interfaces. The per-frame work is done by small helpers (frame selection,
 // cloud fill, table rows); this class wires them to the widgets and the view.
 
+#include "AutoConnector.h"
 #include "IConnectLiDAR.h"
 #include "IGridPolar.h"
 #include "ITableViewToolBar.h"
 #include "IboxSelection.h"
 #include "LidarRecords.h"
+#include "LiveConnection.h"
 
 #include <QFile>
 #include <QMainWindow>
@@ -29,6 +31,7 @@ class QProgressBar;
 class QStandardItemModel;
 class QTabBar;
 class QTranslator;
+class SelectConnectType;
 class TableViewToolBar;
 class vtkGenericOpenGLRenderWindow;
 class vtkOrientationMarkerWidget;
@@ -77,6 +80,11 @@ public:
         qint64 renderNs = 0;
     };
 
+    // The save-file dialog of the recording (parent, caption, proposed
+    // name, filter); an empty result means the user cancelled.
+    using SaveFileHook = std::function<QString(QWidget* parent, const QString& caption, const QString& proposed,
+                                               const QString& filter)>;
+
     // The OpenGL format VTK needs; call before the QApplication is made.
     static void prepareGraphics();
 
@@ -108,6 +116,17 @@ public:
 
     // Blocks until the start-up wiring thread has made every connection.
     void waitUntilWired();
+
+    // Empty hooks restore the defaults (QFileDialog, the system's serial ports).
+    void setSaveFileHook(SaveFileHook hook) { m_saveFileHook = std::move(hook); }
+    void setSerialPortLister(AutoConnector::PortLister lister) { m_serialPorts = std::move(lister); }
+
+    // The live session (null before the first connection attempt).
+    std::shared_ptr<LidarAnalysis> session() const { return m_live.session(); }
+    bool isLidarConnected() const { return m_live.isConnected(); }
+    bool isPlaying() const { return m_playing; }
+    // The connection dialog, once btn_connect has made it.
+    SelectConnectType* connectDialog() const { return m_connectDialog; }
 
     // Read access for the measurement tools, the benchmark and the tests.
     int pointSize() const { return m_pointSize; }
@@ -157,6 +176,11 @@ private:
     void wireOfflinePlayer();
     void wireSessionSignals();
     void renderView();
+    // Enables the live controls for the connected or the start state.
+    void applyLiveState(bool connected);
+    // What a confirmed connection changes in the window.
+    void enterConnectedState();
+    QString askSavePath(const QString& proposed);
 
     // Operations wired to the controls.
     void toggleTabPanel();
@@ -194,7 +218,11 @@ private:
     CloudPtr m_boxCloud;    // "m_boxPointCloud"
     CloudPtr m_clickCloud;  // "m_clickPointCloud"
     std::shared_ptr<pcl::visualization::PCLVisualizer> m_viewer;
-    std::shared_ptr<LidarAnalysis> m_session;
+    LiveConnection m_live;
+    QList<QMetaObject::Connection> m_sessionConnections;
+    SelectConnectType* m_connectDialog = nullptr;
+    SaveFileHook m_saveFileHook;
+    AutoConnector::PortLister m_serialPorts;
     QProgressBar* m_progressBar = nullptr;
     TableViewToolBar* m_tableToolBar = nullptr;
     AboutDialog* m_about = nullptr;

@@ -1,6 +1,7 @@
-// Operations of the live link, the overlays, box selection, ranging, CSV
-// export and the device panel. Each is wired to its control already; the
-// ones without a body yet only keep what they are given.
+// Operations of the overlays, box selection, ranging, CSV export and the
+// device panel (the live link's are in ScanDeckLive.cpp). Each is wired to
+// its control already; the ones without a body yet only keep what they are
+// given.
 
 #include "ScanDeck.h"
 
@@ -12,20 +13,6 @@
 #include <pcl/point_cloud.h>
 #include <pcl/point_types.h>
 #include <pcl/visualization/pcl_visualizer.h>
-
-bool ScanDeck::ConnectNetworkLidar(const QString& model, const NetworkParam& param)
-{
-    Q_UNUSED(model);
-    Q_UNUSED(param);
-    return false;
-}
-
-bool ScanDeck::ConnectSerialLidar(const QString& model, const SerialPortParam& param)
-{
-    Q_UNUSED(model);
-    Q_UNUSED(param);
-    return false;
-}
 
 void ScanDeck::showGrid(bool on)
 {
@@ -50,22 +37,6 @@ BoxRange ScanDeck::getBoxRange() const
 void ScanDeck::setRangingMode(bool on)
 {
     m_rangingActive = on ? 1 : 0;
-}
-
-void ScanDeck::autoConnect() {}
-
-void ScanDeck::showConnectDialog() {}
-
-void ScanDeck::disconnectLidar() {}
-
-void ScanDeck::playPause(bool play)
-{
-    Q_UNUSED(play);
-}
-
-void ScanDeck::recordData(bool record)
-{
-    Q_UNUSED(record);
 }
 
 void ScanDeck::exportCsv(QAbstractButton* button, bool checked)
@@ -101,7 +72,7 @@ void ScanDeck::areaPicked(const std::vector<int>& indices)
     m_boxRange = {{extent.min[0], extent.min[1], extent.min[2], 1.0f},
                   {extent.max[0], extent.max[1], extent.max[2], 1.0f}};
 
-    const bool paused = m_session && m_session->GetConnectionType() != -1 && !m_playing;
+    const bool paused = m_live.isConnected() && !m_playing;
     if (!paused && m_boxActive) {
         const lidar::LidarDataPoint_V4 selection = display::selectInBox(m_lastFrame, m_boxRange);
         if (!selection.points.isEmpty())
@@ -128,8 +99,8 @@ void ScanDeck::startNetworkTool() {}
 
 void ScanDeck::setMotorFrequencyFromText(const QString& text)
 {
-    if (m_session)
-        m_session->SetDeviceParam(static_cast<quint8>(text.toInt() & 0xFF));
+    if (m_live.session())
+        m_live.session()->SetDeviceParam(static_cast<quint8>(text.toInt() & 0xFF));
 }
 
 void ScanDeck::configureDevicePanel(const QString& group)

@@ -72,20 +72,31 @@ void ScanDeck::wireOfflinePlayer()
 
 void ScanDeck::wireSessionSignals()
 {
-    LidarAnalysis* session = m_session.get();
+    // A session reused for the same model keeps its old connections: they
+    // are replaced, so that nothing is shown or sent twice.
+    for (const QMetaObject::Connection& connection : m_sessionConnections)
+        disconnect(connection);
+    m_sessionConnections.clear();
+
+    LidarAnalysis* session = m_live.session().get();
+    if (!session)
+        return;
+    auto& c = m_sessionConnections;
     // Motor switch and filter box: the session is the receiver, so the
     // commands run (queued) on the session's thread.
-    connect(ui->btn_motor_state, &QAbstractButton::toggled, session,
-            [session](bool checked) { session->SetMotorFrequency(checked ? 1 : 0); });
-    connect(session, &LidarAnalysis::SendleLidarDataSignal, this, &ScanDeck::showFrame, Qt::UniqueConnection);
-    connect(session, &LidarAnalysis::SendMessageSignal, this, &ScanDeck::showWarning);
-    connect(session, &LidarAnalysis::SendEndSaveDataSignal, this, &ScanDeck::showFileSaved);
-    connect(session, &LidarAnalysis::SendGPSTimeData, this, [](const lidar::GPSTime&) {
+    c << connect(ui->btn_motor_state, &QAbstractButton::toggled, session,
+                 [session](bool checked) { session->SetMotorFrequency(checked ? 1 : 0); });
+    // The session lives on its worker thread: frames arrive queued, each a copy.
+    c << connect(session, &LidarAnalysis::SendleLidarDataSignal, this, &ScanDeck::showFrame,
+                 Qt::UniqueConnection);
+    c << connect(session, &LidarAnalysis::SendMessageSignal, this, &ScanDeck::showWarning);
+    c << connect(session, &LidarAnalysis::SendEndSaveDataSignal, this, &ScanDeck::showFileSaved);
+    c << connect(session, &LidarAnalysis::SendGPSTimeData, this, [](const lidar::GPSTime&) {
         // The GPS test window takes these once it exists.
     });
-    connect(ui->comboBox_motor_filter, QOverload<int>::of(&QComboBox::activated), session,
-            [session](int index) { session->SetLidarFilter(index); });
+    c << connect(ui->comboBox_motor_filter, QOverload<int>::of(&QComboBox::activated), session,
+                 [session](int index) { session->SetLidarFilter(index); });
     // The frequency command runs here, on the user interface thread.
-    connect(ui->comboBox_motor_frequency, &QComboBox::textActivated, this,
-            &ScanDeck::setMotorFrequencyFromText);
+    c << connect(ui->comboBox_motor_frequency, &QComboBox::textActivated, this,
+                 &ScanDeck::setMotorFrequencyFromText);
 }

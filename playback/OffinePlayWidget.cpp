@@ -104,8 +104,10 @@ void OffinePlayWidget::setControlsLoaded(bool isLoaded)
 
 void OffinePlayWidget::openFile()
 {
+    // A paused live display clears the session's connected flag, but the
+    // link is still up: its connection type says so.
     const auto session = LIdarFactory::GetInstance()->GetCurrentLidar();
-    if (session && session->connected) {
+    if (session && (session->connected || session->GetConnectionType() != -1)) {
         inform(tr("information"), tr("Please disconnect first!"));
         return;
     }
