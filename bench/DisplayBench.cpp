@@ -13,6 +13,7 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QElapsedTimer>
+#include <QFile>
 #include <QTextStream>
 #include <QVTKOpenGLNativeWidget.h>
 #include <algorithm>
@@ -25,7 +26,9 @@
 #include <pcl/point_types.h>
 #include <pcl/visualization/pcl_visualizer.h>
 #include <vtkCamera.h>
+#include <vtkAxesActor.h>
 #include <vtkGenericOpenGLRenderWindow.h>
+#include <vtkOrientationMarkerWidget.h>
 #include <vtkObject.h>
 #include <vtkRenderWindow.h>
 #include <vtkRenderer.h>
@@ -125,7 +128,7 @@ Figures timingsOf(const ScanDeck& window)
 // so that it can match ScanDeck's view and window both.
 class BareViewer {
 public:
-    BareViewer(const QSize& windowSize, const QSize& viewSize)
+    BareViewer(const QSize& windowSize, const QSize& viewSize, bool withMarker = false)
         : m_widget(&m_top), m_window(vtkSmartPointer<vtkGenericOpenGLRenderWindow>::New()), m_cloud(new Cloud)
     {
         auto renderer = vtkSmartPointer<vtkRenderer>::New();
@@ -133,6 +136,15 @@ public:
         m_widget.setRenderWindow(m_window);
         m_viewer->setupInteractor(m_widget.interactor(), m_widget.renderWindow());
         m_viewer->getRendererCollection()->GetFirstRenderer()->GetActiveCamera()->SetPosition(0, 0, 15);
+        if (withMarker) {
+            // The same orientation marker as ScanDeck's, to tell its cost apart.
+            m_marker = vtkSmartPointer<vtkOrientationMarkerWidget>::New();
+            m_marker->SetOrientationMarker(vtkSmartPointer<vtkAxesActor>::New());
+            m_marker->SetInteractor(m_widget.interactor());
+            m_marker->SetViewport(0.0, 0.0, 0.16, 0.22);
+            m_marker->SetEnabled(1);
+            m_marker->InteractiveOff();
+        }
         m_top.setGeometry(0, 0, windowSize.width(), windowSize.height());
         m_widget.setGeometry((windowSize.width() - viewSize.width()) / 2,
                              (windowSize.height() - viewSize.height()) / 2, viewSize.width(), viewSize.height());
@@ -165,6 +177,7 @@ private:
     vtkSmartPointer<vtkGenericOpenGLRenderWindow> m_window;
     std::shared_ptr<pcl::visualization::PCLVisualizer> m_viewer;
     Cloud::Ptr m_cloud;
+    vtkSmartPointer<vtkOrientationMarkerWidget> m_marker;
 };
 
 void printRow(QTextStream& out, int points, const QString& what, const Figures& f, bool withOwn)
@@ -176,6 +189,13 @@ void printRow(QTextStream& out, int points, const QString& what, const Figures& 
         out << QString(" %1").arg("-", 8);
     out << QString(" %1 %2\n").arg(f.viewerMs, 9, 'f', 3).arg(f.renderMs, 9, 'f', 3);
     out.flush();
+}
+
+// The machine's load, printed with the figures: they mean little on a busy machine.
+QString loadAverage()
+{
+    QFile file("/proc/loadavg");
+    return file.open(QIODevice::ReadOnly) ? QString::fromLatin1(file.readLine()).section(' ', 0, 2) : QString("?");
 }
 
 double argument(const QStringList& args, const QString& name, double fallback)
@@ -208,9 +228,11 @@ int main(int argc, char* argv[])
 
     BareViewer bareFull(QSize(1600, 900), QSize(1600, 900));
     BareViewer bareView(QSize(1600, 900), viewSize);
+    BareViewer bareViewMarker(QSize(1600, 900), viewSize, true);
 
     out << "ScanDeck window 1600x900, its 3D view " << viewSize.width() << "x" << viewSize.height()
-        << "; median of " << repeat << " runs of " << seconds << " s each\n";
+        << "; median of " << repeat << " runs of " << seconds << " s each; load average " << loadAverage()
+        << "\n";
     out << "points  what                                         fps  ms/frame   own ms viewer ms render ms\n";
 
     for (int points : {1000, 5000, 20000}) {
@@ -275,6 +297,7 @@ int main(int argc, char* argv[])
             {"bare 1600x900, remove + add", false, [&] { return bareRun(bareFull, true); }, {}},
             {"bare " + viewName + " in 1600x900, update", false, [&] { return bareRun(bareView, false); }, {}},
             {"bare " + viewName + " in 1600x900, rm+add", false, [&] { return bareRun(bareView, true); }, {}},
+            {"  the same + orientation marker", false, [&] { return bareRun(bareViewMarker, false); }, {}},
         };
         for (int r = 0; r < repeat; ++r)
             for (Variant& v : variants)
@@ -293,6 +316,8 @@ int main(int argc, char* argv[])
         out.flush();
     }
 
+    out << "load average at the end: " << loadAverage() << "\n";
+    out.flush();
     if (hold > 0) {
         window.show();
         window.showFrame(roomFrame(5000, 1));
