@@ -4,25 +4,56 @@
 <context>
     <name>AboutDialog</name>
     <message>
-        <location filename="../app/AboutDialog.cpp" line="+70" />
+        <location filename="../app/AboutDialog.cpp" line="+70"/>
         <source>About</source>
         <translation>关于</translation>
     </message>
     <message>
-        <location line="+1" />
+        <location line="+1"/>
         <source>Lidar firmware:</source>
         <translation>雷达固件版本：</translation>
     </message>
 </context>
 <context>
+    <name>AutoConnector</name>
+    <message>
+        <location filename="../app/AutoConnector.cpp" line="+15"/>
+        <source>Trying to connect the radar</source>
+        <translation>正在尝试连接雷达</translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>wait...</source>
+        <translation>请稍候...</translation>
+    </message>
+</context>
+<context>
+    <name>DemoLidar</name>
+    <message>
+        <location filename="../app/DemoLidar.cpp" line="+52"/>
+        <source>Unknown lidar model %1</source>
+        <translation>未知的雷达型号 %1</translation>
+    </message>
+    <message>
+        <location line="+7"/>
+        <source>The simulated lidar could not start: %1</source>
+        <translation>模拟雷达无法启动：%1</translation>
+    </message>
+    <message>
+        <location line="+11"/>
+        <source>No frame arrived from the simulated lidar</source>
+        <translation>未收到模拟雷达的数据帧</translation>
+    </message>
+</context>
+<context>
     <name>LidarAnalysis</name>
     <message>
-        <location filename="../lidar/LidarAnalysis.cpp" line="+53" />
+        <location filename="../lidar/LidarAnalysis.cpp" line="+53"/>
         <source>Please set a valid connection status!</source>
         <translation>请设置有效的连接状态！</translation>
     </message>
     <message>
-        <location line="+34" />
+        <location line="+34"/>
         <source>Failed to send data</source>
         <translation>数据发送失败</translation>
     </message>
@@ -30,116 +61,116 @@
 <context>
     <name>OffinePlayWidget</name>
     <message>
-        <location filename="../playback/OffinePlayWidget.ui" line="+19" />
+        <location filename="../playback/OffinePlayWidget.ui" line="+19"/>
         <source>Offline playback</source>
         <translation>离线回放</translation>
     </message>
     <message>
-        <location line="+6" />
+        <location line="+6"/>
         <source>Open offline data</source>
         <translation>打开离线数据</translation>
     </message>
     <message>
-        <location line="+11" />
+        <location line="+11"/>
         <source>Previous frame</source>
         <translation>上一帧</translation>
     </message>
     <message>
-        <location line="+11" />
+        <location line="+11"/>
         <source>Play / pause</source>
         <translation>播放 / 暂停</translation>
     </message>
     <message>
-        <location line="+15" />
+        <location line="+15"/>
         <source>Next frame</source>
         <translation>下一帧</translation>
     </message>
     <message>
-        <location line="+11" />
+        <location line="+11"/>
         <source>Loop Playback</source>
         <translation>循环播放</translation>
     </message>
     <message>
-        <location line="+14" />
+        <location line="+14"/>
         <source>Stop</source>
         <translation>停止</translation>
     </message>
     <message>
-        <location line="+11" />
+        <location line="+11"/>
         <source>Playback speed：</source>
         <translation>回放速度：</translation>
     </message>
     <message>
-        <location line="+11" />
+        <location line="+11"/>
         <source>X0.5</source>
         <translation>X0.5</translation>
     </message>
     <message>
-        <location line="+5" />
+        <location line="+5"/>
         <source>X1</source>
         <translation>X1</translation>
     </message>
     <message>
-        <location line="+5" />
+        <location line="+5"/>
         <source>X2</source>
         <translation>X2</translation>
     </message>
     <message>
-        <location line="+5" />
+        <location line="+5"/>
         <source>X3</source>
         <translation>X3</translation>
     </message>
     <message>
-        <location line="+38" />
+        <location line="+38"/>
         <source>Data Show</source>
         <translation>数据显示</translation>
     </message>
     <message>
-        <location line="+14" />
+        <location line="+14"/>
         <source>Export csv</source>
         <translation>导出 CSV</translation>
     </message>
     <message>
-        <location filename="../playback/OffinePlayWidget.cpp" line="+109" />
-        <location line="+8" />
-        <location line="+10" />
-        <location line="+136" />
+        <location filename="../playback/OffinePlayWidget.cpp" line="+111"/>
+        <location line="+8"/>
+        <location line="+10"/>
+        <location line="+136"/>
         <source>information</source>
         <translation>提示</translation>
     </message>
     <message>
-        <location line="-154" />
+        <location line="-154"/>
         <source>Please disconnect first!</source>
         <translation>请先断开连接！</translation>
     </message>
     <message>
-        <location line="+3" />
+        <location line="+3"/>
         <source>Open File</source>
         <translation>打开文件</translation>
     </message>
     <message>
-        <location line="+5" />
-        <location line="+10" />
+        <location line="+5"/>
+        <location line="+10"/>
         <source>Unable to parse this file</source>
         <translation>无法解析该文件</translation>
     </message>
     <message>
-        <location line="+136" />
+        <location line="+136"/>
         <source>There is an error in the input. Please enter it again</source>
         <translation>输入有误，请重新输入</translation>
     </message>
     <message>
-        <location line="+29" />
+        <location line="+29"/>
         <source>File saved</source>
         <translation>文件已保存</translation>
     </message>
     <message>
-        <location line="+0" />
+        <location line="+0"/>
         <source>File save path:%1</source>
         <translation>文件保存路径：%1</translation>
     </message>
     <message>
-        <location line="+2" />
+        <location line="+2"/>
         <source>Export CSV</source>
         <translation>导出 CSV</translation>
     </message>
@@ -147,433 +178,485 @@
 <context>
     <name>ScanDeck</name>
     <message>
-        <location filename="../app/ScanDeck.cpp" line="+245" />
+        <location filename="../app/ScanDeck.cpp" line="+233"/>
         <source>motor speed:</source>
         <translation>电机转速：</translation>
     </message>
     <message>
-        <location line="+1" />
+        <location line="+1"/>
         <source>Δx:</source>
         <translation>Δx：</translation>
     </message>
     <message>
-        <location line="+1" />
+        <location line="+1"/>
         <source>Δy:</source>
         <translation>Δy：</translation>
     </message>
     <message>
-        <location line="+1" />
+        <location line="+1"/>
         <source>Δdistance:</source>
         <translation>Δ距离：</translation>
     </message>
     <message>
-        <location line="+1" />
+        <location line="+1"/>
         <source>azimuth:</source>
         <translation>方位角：</translation>
     </message>
     <message>
-        <location line="+1" />
+        <location line="+1"/>
         <source>distance</source>
         <translation>距离</translation>
     </message>
     <message>
-        <location line="+72" />
+        <location line="+72"/>
         <source>restart</source>
         <translation>重启</translation>
     </message>
     <message>
-        <location line="+0" />
+        <location line="+0"/>
         <source>Confirm restarting the software?</source>
         <translation>确定要重启软件吗？</translation>
     </message>
     <message>
-        <location line="+22" />
+        <location filename="../app/main.cpp" line="+36"/>
+        <location filename="../app/ScanDeck.cpp" line="+22"/>
+        <location filename="../app/ScanDeckLive.cpp" line="+155"/>
         <source>warning</source>
         <translation>警告</translation>
     </message>
     <message>
-        <location line="+10" />
+        <location filename="../app/ScanDeck.cpp" line="+10"/>
         <source>File saved</source>
         <translation>文件已保存</translation>
     </message>
     <message>
-        <location line="+0" />
+        <location line="+0"/>
         <source>File save path:%1</source>
         <translation>文件保存路径：%1</translation>
     </message>
     <message>
-        <location line="+7" />
-        <location line="+6" />
-        <location line="+37" />
+        <location line="+7"/>
+        <location line="+6"/>
+        <location line="+37"/>
         <source>question</source>
         <translation>询问</translation>
     </message>
     <message>
-        <location line="-42" />
+        <location line="-42"/>
         <source>Data is being recorded. Do you want to save the data before exiting the program?</source>
         <translation>正在录制数据，退出程序前是否保存数据？</translation>
     </message>
     <message>
-        <location line="+6" />
+        <location line="+6"/>
         <source>Exporting csv data, do you want to save the data before exiting the program?</source>
         <translation>正在导出 CSV 数据，退出程序前是否保存数据？</translation>
     </message>
     <message>
-        <location line="+33" />
+        <location line="+33"/>
+        <location filename="../app/ScanDeckLive.cpp" line="-81"/>
+        <location line="+13"/>
+        <location line="+6"/>
         <source>information</source>
         <translation>提示</translation>
     </message>
     <message>
-        <location line="+0" />
+        <location line="+0"/>
         <source>Unable to parse this file</source>
         <translation>无法解析该文件</translation>
     </message>
     <message>
-        <location line="+3" />
+        <location line="+3"/>
         <source>Whether to play offline file ?</source>
         <translation>是否播放该离线文件？</translation>
+    </message>
+    <message>
+        <location filename="../app/ScanDeckLive.cpp" line="-19"/>
+        <location line="+13"/>
+        <source>Please stop the offline playback first</source>
+        <translation>请先停止离线回放</translation>
+    </message>
+    <message>
+        <location line="+7"/>
+        <source>Automatic connection failed, please connect the radar manually!</source>
+        <translation>自动连接失败，请手动连接雷达！</translation>
+    </message>
+    <message>
+        <location line="+23"/>
+        <location line="+25"/>
+        <source>Please connect the radar first</source>
+        <translation>请先连接雷达</translation>
+    </message>
+    <message>
+        <location line="-21"/>
+        <source>pause</source>
+        <translation>暂停</translation>
+    </message>
+    <message>
+        <location line="+0"/>
+        <source>play</source>
+        <translation>播放</translation>
+    </message>
+    <message>
+        <location line="+17"/>
+        <source>Recorded data</source>
+        <translation>已录制数据</translation>
+    </message>
+    <message>
+        <location line="+17"/>
+        <source>Unable to create the file %1</source>
+        <translation>无法创建文件 %1</translation>
+    </message>
+    <message>
+        <location line="+3"/>
+        <source>Recording data</source>
+        <translation>正在录制数据</translation>
+    </message>
+    <message>
+        <location line="+5"/>
+        <source>settting a save path</source>
+        <translation>设置保存路径</translation>
     </message>
 </context>
 <context>
     <name>ScanDeckClass</name>
     <message>
-        <location filename="../app/ScanDeck.ui" line="+14" />
+        <location filename="../app/ScanDeck.ui" line="+14"/>
         <source>ScanDeck</source>
         <translation>ScanDeck</translation>
     </message>
     <message>
-        <location line="+36" />
+        <location line="+36"/>
         <source>Lidar</source>
         <translation>雷达</translation>
     </message>
     <message>
-        <location line="+27" />
+        <location line="+27"/>
         <source>Auto Connect</source>
         <translation>自动连接</translation>
     </message>
     <message>
-        <location line="+19" />
+        <location line="+19"/>
         <source>Try every model over the network and every serial port</source>
         <translation>依次通过网络和各个串口尝试所有型号</translation>
     </message>
     <message>
-        <location line="+13" />
+        <location line="+13"/>
         <source>Connect</source>
         <translation>连接</translation>
     </message>
     <message>
-        <location line="+19" />
+        <location line="+19"/>
         <source>Choose the model and the link</source>
         <translation>选择雷达型号和连接方式</translation>
     </message>
     <message>
-        <location line="+13" />
+        <location line="+13"/>
         <source>Disconnect</source>
         <translation>断开</translation>
     </message>
     <message>
-        <location line="+39" />
+        <location line="+39"/>
         <source>play</source>
         <translation>播放</translation>
     </message>
     <message>
-        <location line="+23" />
+        <location line="+23"/>
         <source>Pause or resume the live display</source>
         <translation>暂停或继续实时显示</translation>
     </message>
     <message>
-        <location line="+13" />
+        <location line="+13"/>
         <source>Clear</source>
         <translation>清空</translation>
     </message>
     <message>
-        <location line="+19" />
+        <location line="+19"/>
         <source>Remove everything from the view</source>
         <translation>清除视图中的所有内容</translation>
     </message>
     <message>
-        <location line="+20" />
+        <location line="+20"/>
         <source>Record data</source>
         <translation>录制数据</translation>
     </message>
     <message>
-        <location line="+22" />
+        <location line="+22"/>
         <source>Record the raw data stream to a file</source>
         <translation>将原始数据流录制到文件</translation>
     </message>
     <message>
-        <location line="+13" />
+        <location line="+13"/>
         <source>Export CSV</source>
         <translation>导出 CSV</translation>
     </message>
     <message>
-        <location line="+22" />
+        <location line="+22"/>
         <source>Write the next frames to a CSV file</source>
         <translation>将接下来的若干帧写入 CSV 文件</translation>
     </message>
     <message>
-        <location line="+21" />
+        <location line="+21"/>
         <source>offline</source>
         <translation>离线</translation>
     </message>
     <message>
-        <location line="+32" />
+        <location line="+32"/>
         <source>Setting</source>
         <translation>设置</translation>
     </message>
     <message>
-        <location line="+26" />
+        <location line="+26"/>
         <source>Motor State：</source>
         <translation>电机状态：</translation>
     </message>
     <message>
-        <location line="+16" />
+        <location line="+16"/>
         <source>Motor on or off</source>
         <translation>启动或停止电机</translation>
     </message>
     <message>
-        <location line="+14" />
+        <location line="+14"/>
         <source>Lidar Filter：</source>
         <translation>雷达滤波：</translation>
     </message>
     <message>
-        <location line="+27" />
+        <location line="+27"/>
         <source>Motor Frequency：</source>
         <translation>电机频率：</translation>
     </message>
     <message>
-        <location line="+38" />
+        <location line="+38"/>
         <source>GPS Test</source>
         <translation>GPS 测试</translation>
     </message>
     <message>
-        <location line="+19" />
+        <location line="+19"/>
         <source>Show or hide the GPS time test window</source>
         <translation>显示或隐藏 GPS 时间测试窗口</translation>
     </message>
     <message>
-        <location line="+13" />
+        <location line="+13"/>
         <source>Network Setting</source>
         <translation>网络设置</translation>
     </message>
     <message>
-        <location line="+19" />
-        <source>Configure the lidar's network module</source>
+        <location line="+19"/>
+        <source>Configure the lidar&apos;s network module</source>
         <translation>配置雷达的网络模块</translation>
     </message>
     <message>
-        <location line="+13" />
+        <location line="+13"/>
         <source>Restart</source>
         <translation>重启</translation>
     </message>
     <message>
-        <location line="+19" />
+        <location line="+19"/>
         <source>Restart ScanDeck</source>
         <translation>重启 ScanDeck</translation>
     </message>
     <message>
-        <location line="+19" />
+        <location line="+19"/>
         <source>Language：</source>
         <translation>语言：</translation>
     </message>
     <message>
-        <location line="+84" />
+        <location line="+84"/>
         <source>Point Size</source>
         <translation>点大小</translation>
     </message>
     <message>
-        <location line="+7" />
+        <location line="+7"/>
         <source>Point size (+ and - in the view)</source>
         <translation>点大小（在视图中按 + 和 - 调整）</translation>
     </message>
     <message>
-        <location line="+23" />
+        <location line="+23"/>
         <source>Angle</source>
         <translation>角度</translation>
     </message>
     <message>
-        <location line="+7" />
+        <location line="+7"/>
         <source>Smallest azimuth shown, degrees</source>
         <translation>显示的最小方位角（度）</translation>
     </message>
     <message>
-        <location line="+13" />
+        <location line="+13"/>
         <source>–</source>
         <translation>–</translation>
     </message>
     <message>
-        <location line="+10" />
+        <location line="+10"/>
         <source>Largest azimuth shown, degrees</source>
         <translation>显示的最大方位角（度）</translation>
     </message>
     <message>
-        <location line="+20" />
+        <location line="+20"/>
         <source>Color</source>
         <translation>颜色</translation>
     </message>
     <message>
-        <location line="+7" />
+        <location line="+7"/>
         <source>How the points are coloured</source>
         <translation>点云着色方式</translation>
     </message>
     <message>
-        <location line="+10" />
+        <location line="+10"/>
         <source>Intensity</source>
         <translation>强度</translation>
     </message>
     <message>
-        <location line="+9" />
+        <location line="+9"/>
         <source>Azimuth</source>
         <translation>方位角</translation>
     </message>
     <message>
-        <location line="+9" />
+        <location line="+9"/>
         <source>Solid</source>
         <translation>纯色</translation>
     </message>
     <message>
-        <location line="+25" />
+        <location line="+25"/>
         <source>Version of ScanDeck and of the connected lidar</source>
         <translation>ScanDeck 与已连接雷达的版本</translation>
     </message>
     <message>
-        <location line="+90" />
+        <location line="+90"/>
         <source>Range Finding</source>
         <translation>测距</translation>
     </message>
     <message>
-        <location line="+29" />
+        <location line="+29"/>
         <source>Point Cloud Box</source>
         <translation>点云框选</translation>
     </message>
     <message>
-        <location line="+32" />
+        <location line="+32"/>
         <source>Range Resize</source>
         <translation>范围调整</translation>
     </message>
     <message>
-        <location line="+33" />
-        <location line="+345" />
+        <location line="+33"/>
+        <location line="+345"/>
         <source>Grid</source>
         <translation>网格</translation>
     </message>
     <message>
-        <location line="-316" />
+        <location line="-316"/>
         <source>Polar</source>
         <translation>极坐标</translation>
     </message>
     <message>
-        <location line="+29" />
+        <location line="+29"/>
         <source>Set Grid and Polar</source>
         <translation>网格与极坐标设置</translation>
     </message>
     <message>
-        <location line="+33" />
+        <location line="+33"/>
         <source>Axis</source>
         <translation>坐标轴</translation>
     </message>
     <message>
-        <location line="+29" />
+        <location line="+29"/>
         <source>Top</source>
         <translation>俯视</translation>
     </message>
     <message>
-        <location line="+29" />
+        <location line="+29"/>
         <source>Front</source>
         <translation>前视</translation>
     </message>
     <message>
-        <location line="+29" />
+        <location line="+29"/>
         <source>Left</source>
         <translation>左视</translation>
     </message>
     <message>
-        <location line="+29" />
+        <location line="+29"/>
         <source>Right</source>
         <translation>右视</translation>
     </message>
     <message>
-        <location line="+36" />
+        <location line="+36"/>
         <source>Point Table</source>
         <translation>点表</translation>
     </message>
     <message>
-        <location line="-424" />
+        <location line="-424"/>
         <source>About</source>
         <translation>关于</translation>
     </message>
     <message>
-        <location line="+23" />
+        <location line="+23"/>
         <source>Hide or show the panel above</source>
         <translation>隐藏或显示上方面板</translation>
     </message>
     <message>
-        <location line="+3" />
+        <location line="+3"/>
         <source>Panel</source>
         <translation>面板</translation>
     </message>
     <message>
-        <location line="+58" />
+        <location line="+58"/>
         <source>Range Finding – click two points to measure their distance</source>
         <translation>测距 – 点击两个点测量它们之间的距离</translation>
     </message>
     <message>
-        <location line="+29" />
+        <location line="+29"/>
         <source>Point Cloud Box – drag a rectangle to select the points inside</source>
         <translation>点云框选 – 拖出矩形选取其中的点</translation>
     </message>
     <message>
-        <location line="+32" />
+        <location line="+32"/>
         <source>Range Resize – edit the selection box</source>
         <translation>范围调整 – 编辑框选范围</translation>
     </message>
     <message>
-        <location line="+33" />
+        <location line="+33"/>
         <source>Grid – square grid in the ground plane (Ctrl+G)</source>
         <translation>网格 – 地面上的方形网格（Ctrl+G）</translation>
     </message>
     <message>
-        <location line="+29" />
+        <location line="+29"/>
         <source>Polar – range rings around the lidar</source>
         <translation>极坐标 – 雷达周围的距离环</translation>
     </message>
     <message>
-        <location line="+29" />
+        <location line="+29"/>
         <source>Set Grid and Polar – colour and spacing of grid and rings</source>
         <translation>网格与极坐标设置 – 网格和距离环的颜色与间距</translation>
     </message>
     <message>
-        <location line="+33" />
+        <location line="+33"/>
         <source>Axis – coordinate axes at the lidar</source>
         <translation>坐标轴 – 雷达处的坐标轴</translation>
     </message>
     <message>
-        <location line="+29" />
+        <location line="+29"/>
         <source>Top – view from above</source>
         <translation>俯视 – 从上方观察</translation>
     </message>
     <message>
-        <location line="+29" />
+        <location line="+29"/>
         <source>Front – view from the front</source>
         <translation>前视 – 从前方观察</translation>
     </message>
     <message>
-        <location line="+29" />
+        <location line="+29"/>
         <source>Left – view from the left</source>
         <translation>左视 – 从左侧观察</translation>
     </message>
     <message>
-        <location line="+29" />
+        <location line="+29"/>
         <source>Right – view from the right</source>
         <translation>右视 – 从右侧观察</translation>
     </message>
     <message>
-        <location line="+36" />
+        <location line="+36"/>
         <source>Point Table – the points of the frame as a table</source>
         <translation>点表 – 以表格显示当前帧的点</translation>
     </message>
     <message>
-        <location line="+108" />
+        <location line="+108"/>
         <source>Ctrl+G</source>
         <translation>Ctrl+G</translation>
     </message>
@@ -581,125 +664,125 @@
 <context>
     <name>SelectConnectType</name>
     <message>
-        <location filename="../connect/SelectConnectType.ui" line="+19" />
+        <location filename="../connect/SelectConnectType.ui" line="+19"/>
         <source>Select Connect Type</source>
         <translation>选择连接方式</translation>
     </message>
     <message>
-        <location line="+45" />
+        <location line="+45"/>
         <source> LiDAR :</source>
         <translation> 雷达：</translation>
     </message>
     <message>
-        <location line="+21" />
+        <location line="+21"/>
         <source>Serial Port</source>
         <translation>串口</translation>
     </message>
     <message>
-        <location line="+10" />
+        <location line="+10"/>
         <source>Network</source>
         <translation>网络</translation>
     </message>
     <message>
-        <location line="+35" />
+        <location line="+35"/>
         <source>Port:</source>
         <translation>端口：</translation>
     </message>
     <message>
-        <location line="+17" />
+        <location line="+17"/>
         <source>Refresh</source>
         <translation>刷新</translation>
     </message>
     <message>
-        <location line="+7" />
+        <location line="+7"/>
         <source>Baud Rate:</source>
         <translation>波特率：</translation>
     </message>
     <message>
-        <location line="+39" />
+        <location line="+39"/>
         <source>Data Bits:</source>
         <translation>数据位：</translation>
     </message>
     <message>
-        <location line="+34" />
+        <location line="+34"/>
         <source>Stop Bit:</source>
         <translation>停止位：</translation>
     </message>
     <message>
-        <location line="+24" />
+        <location line="+24"/>
         <source>Parity Bit:</source>
         <translation>校验位：</translation>
     </message>
     <message>
-        <location line="+11" />
+        <location line="+11"/>
         <source>NoParity</source>
         <translation>无校验</translation>
     </message>
     <message>
-        <location line="+5" />
+        <location line="+5"/>
         <source>OddParity</source>
         <translation>奇校验</translation>
     </message>
     <message>
-        <location line="+5" />
+        <location line="+5"/>
         <source>EvenParity</source>
         <translation>偶校验</translation>
     </message>
     <message>
-        <location line="+18" />
+        <location line="+18"/>
         <source>Lidar IP:</source>
         <translation>雷达 IP：</translation>
     </message>
     <message>
-        <location line="+14" />
+        <location line="+14"/>
         <source>Destination IP:</source>
         <translation>目标 IP：</translation>
     </message>
     <message>
-        <location line="+14" />
+        <location line="+14"/>
         <source>LIdar Port:</source>
         <translation>雷达端口：</translation>
     </message>
     <message>
-        <location line="+14" />
+        <location line="+14"/>
         <source>Data Port:</source>
         <translation>数据端口：</translation>
     </message>
     <message>
-        <location line="+46" />
+        <location line="+46"/>
         <source>Ok</source>
         <translation>确定</translation>
     </message>
     <message>
-        <location line="+10" />
+        <location line="+10"/>
         <source>Cancel</source>
         <translation>取消</translation>
     </message>
     <message>
-        <location filename="../connect/SelectConnectType.cpp" line="+52" />
-        <location line="+106" />
+        <location filename="../connect/SelectConnectType.cpp" line="+52"/>
+        <location line="+106"/>
         <source>Select the connection</source>
         <translation>选择连接</translation>
     </message>
     <message>
-        <location line="-49" />
-        <location line="+5" />
-        <location line="+24" />
+        <location line="-49"/>
+        <location line="+5"/>
+        <location line="+24"/>
         <source>information</source>
         <translation>提示</translation>
     </message>
     <message>
-        <location line="-29" />
+        <location line="-29"/>
         <source>Please select the radar port</source>
         <translation>请选择雷达端口</translation>
     </message>
     <message>
-        <location line="+5" />
+        <location line="+5"/>
         <source>Please select the serial baud rate</source>
         <translation>请选择串口波特率</translation>
     </message>
     <message>
-        <location line="+24" />
+        <location line="+24"/>
         <source>Lidar connection failed</source>
         <translation>雷达连接失败</translation>
     </message>
@@ -707,17 +790,17 @@
 <context>
     <name>TableViewToolBar</name>
     <message>
-        <location filename="../export/TableViewToolBar.cpp" line="+79" />
+        <location filename="../export/TableViewToolBar.cpp" line="+79"/>
         <source>All Data</source>
         <translation>全部数据</translation>
     </message>
     <message>
-        <location line="+1" />
+        <location line="+1"/>
         <source>Rows:</source>
         <translation>行数：</translation>
     </message>
     <message>
-        <location line="+1" />
+        <location line="+1"/>
         <source>Precision:</source>
         <translation>精度：</translation>
     </message>
