@@ -128,9 +128,11 @@ Figures timingsOf(const ScanDeck& window)
 // so that it can match ScanDeck's view and window both.
 class BareViewer {
 public:
-    BareViewer(const QSize& windowSize, const QSize& viewSize, bool withMarker = false)
+    BareViewer(const QSize& windowSize, const QSize& viewSize, bool withMarker = false, int multiSamples = -1)
         : m_widget(&m_top), m_window(vtkSmartPointer<vtkGenericOpenGLRenderWindow>::New()), m_cloud(new Cloud)
     {
+        if (multiSamples >= 0)
+            m_window->SetMultiSamples(multiSamples);
         auto renderer = vtkSmartPointer<vtkRenderer>::New();
         m_viewer = std::make_shared<pcl::visualization::PCLVisualizer>(renderer, m_window, "bare", false);
         m_widget.setRenderWindow(m_window);
@@ -229,8 +231,12 @@ int main(int argc, char* argv[])
     BareViewer bareFull(QSize(1600, 900), QSize(1600, 900));
     BareViewer bareView(QSize(1600, 900), viewSize);
     BareViewer bareViewMarker(QSize(1600, 900), viewSize, true);
+    BareViewer bareViewNoMsaa(QSize(1600, 900), viewSize, false, 0);
+    vtkRenderWindow* scanDeckRenderWindow = window.renderer()->GetRenderWindow();
+    const int defaultSamples = scanDeckRenderWindow->GetMultiSamples();
 
     out << "ScanDeck window 1600x900, its 3D view " << viewSize.width() << "x" << viewSize.height()
+        << ", " << defaultSamples << "x multisampling"
         << "; median of " << repeat << " runs of " << seconds << " s each; load average " << loadAverage()
         << "\n";
     out << "points  what                                         fps  ms/frame   own ms viewer ms render ms\n";
@@ -250,7 +256,8 @@ int main(int argc, char* argv[])
         // does not fall on one of them only; each figure is the median.
         auto* table = window.findChild<QAbstractButton*>("btn_table");
         QSize openViewSize;
-        auto scanDeckRun = [&](bool tableOpen, bool renderTwice = false) {
+        auto scanDeckRun = [&](bool tableOpen, bool renderTwice = false, int samples = -1) {
+            scanDeckRenderWindow->SetMultiSamples(samples >= 0 ? samples : defaultSamples);
             window.show();
             if (table->isChecked() != tableOpen)
                 table->click();
@@ -270,6 +277,7 @@ int main(int argc, char* argv[])
                 openViewSize = view->size();
                 table->click();
             }
+            scanDeckRenderWindow->SetMultiSamples(defaultSamples);
             window.hide();
             return f;
         };
@@ -298,6 +306,8 @@ int main(int argc, char* argv[])
             {"bare " + viewName + " in 1600x900, update", false, [&] { return bareRun(bareView, false); }, {}},
             {"bare " + viewName + " in 1600x900, rm+add", false, [&] { return bareRun(bareView, true); }, {}},
             {"  the same + orientation marker", false, [&] { return bareRun(bareViewMarker, false); }, {}},
+            {"ScanDeck, multisampling off", true, [&] { return scanDeckRun(false, false, 0); }, {}},
+            {"bare " + viewName + " in 1600x900, no MSAA", false, [&] { return bareRun(bareViewNoMsaa, false); }, {}},
         };
         for (int r = 0; r < repeat; ++r)
             for (Variant& v : variants)
