@@ -1,6 +1,7 @@
 #include "ScanDeck.h"
 
 #include "AboutDialog.h"
+#include "FrameRelay.h"
 #include "IniSettings.h"
 #include "LIdarFactory.h"
 #include "LidarAnalysis.h"
@@ -120,6 +121,7 @@ void ScanDeck::initUi()
 
     // Nothing is connected yet: only the connect buttons are live.
     applyLiveState(false);
+    m_frameRelay = new FrameRelay(this);
 
     m_tableModel = new QStandardItemModel(this);
     m_tableModel->setHorizontalHeaderLabels(pointtable::headers());
