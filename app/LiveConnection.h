@@ -15,8 +15,8 @@
 
 class LiveConnection {
 public:
-    // A decoder completes a frame at most one revolution after the stream
-    // starts; the slowest model turns ten times a second.
+    // Two revolutions at the usual ten a second: the first azimuth wrap
+    // after the stream starts completes a frame.
     static constexpr int kConfirmMs = 200;
     // Lets the session's queued disconnect run before the view is cleared.
     static constexpr int kDisconnectSettleMs = 100;

@@ -30,6 +30,7 @@
 #include <QCommandLineParser>
 #include <QDateTime>
 #include <QElapsedTimer>
+#include <QEventLoop>
 #include <QFile>
 #include <QHostAddress>
 #include <QPushButton>
@@ -187,12 +188,13 @@ quint16 freePort()
     return probe.localPort();
 }
 
+// Runs the event loop for `ms`, sleeping while there is nothing to do, so
+// that the waiting itself costs no CPU.
 void pause(int ms)
 {
-    QElapsedTimer t;
-    t.start();
-    while (t.elapsed() < ms)
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+    QEventLoop loop;
+    QTimer::singleShot(ms, &loop, &QEventLoop::quit);
+    loop.exec();
 }
 
 struct Counters {
