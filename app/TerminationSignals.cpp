@@ -1,6 +1,5 @@
 #include "TerminationSignals.h"
 
-#include <QPointer>
 #include <QSocketNotifier>
 #include <QWidget>
 
@@ -22,22 +21,29 @@ void onSignal(int)
 
 }  // namespace
 
-bool closeOnTerminationSignals(QWidget* window)
+bool catchTerminationSignals()
 {
-    if (g_signalPipe[0] < 0) {
-        if (::pipe(g_signalPipe) != 0)
-            return false;
-        for (int fd : g_signalPipe) {
-            fcntl(fd, F_SETFD, FD_CLOEXEC);
-            fcntl(fd, F_SETFL, O_NONBLOCK);
-        }
-        struct sigaction action {};
-        action.sa_handler = onSignal;
-        sigemptyset(&action.sa_mask);
-        action.sa_flags = SA_RESTART;
-        sigaction(SIGINT, &action, nullptr);
-        sigaction(SIGTERM, &action, nullptr);
+    if (g_signalPipe[0] >= 0)
+        return true;
+    if (::pipe(g_signalPipe) != 0)
+        return false;
+    for (int fd : g_signalPipe) {
+        fcntl(fd, F_SETFD, FD_CLOEXEC);
+        fcntl(fd, F_SETFL, O_NONBLOCK);
     }
+    struct sigaction action {};
+    action.sa_handler = onSignal;
+    sigemptyset(&action.sa_mask);
+    action.sa_flags = SA_RESTART;
+    sigaction(SIGINT, &action, nullptr);
+    sigaction(SIGTERM, &action, nullptr);
+    return true;
+}
+
+void closeOnTerminationSignals(QWidget* window)
+{
+    if (g_signalPipe[0] < 0)
+        return;
     auto* notifier = new QSocketNotifier(g_signalPipe[0], QSocketNotifier::Read, window);
     QObject::connect(notifier, &QSocketNotifier::activated, window, [window] {
         char bytes[16];
@@ -45,5 +51,4 @@ bool closeOnTerminationSignals(QWidget* window)
         }
         window->close();
     });
-    return true;
 }

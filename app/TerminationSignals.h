@@ -6,5 +6,10 @@
 
 class QWidget;
 
-// Installs the handlers once per process; false when they cannot be set up.
-bool closeOnTerminationSignals(QWidget* window);
+// Catches the two signals from now on; one that arrives before a window is
+// attached waits for it. Call first thing in main(); false when the
+// handlers cannot be set up (the default behaviour then stays).
+bool catchTerminationSignals();
+
+// Closes `window` on a caught signal (also on one caught before this call).
+void closeOnTerminationSignals(QWidget* window);

@@ -11,6 +11,7 @@
 
 int main(int argc, char* argv[])
 {
+    catchTerminationSignals();
     vtkObject::SetGlobalWarningDisplay(0);
     ScanDeck::prepareGraphics();
     QApplication app(argc, argv);
