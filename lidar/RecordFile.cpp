@@ -11,13 +11,15 @@ QVector<QByteArray> readRecordElements(QIODevice& device)
     QDataStream in(&device);
     quint32 count = 0;
     in >> count;
-    // QDataStream's own QVector reader resizes to the stored count first,
-    // which a damaged count turns into gigabytes; read element by element.
-    for (quint32 i = 0; i < count && in.status() == QDataStream::Ok; ++i) {
+    // QDataStream's own QVector reader reserves the stored count first, which
+    // a damaged count turns into gigabytes; read element by element instead.
+    // Like that reader, an element that cannot be read voids the whole list:
+    // a damaged recording is refused rather than played in part.
+    for (quint32 i = 0; i < count; ++i) {
         QByteArray element;
         in >> element;
         if (in.status() != QDataStream::Ok)
-            break;
+            return {};
         elements.append(element);
     }
     return elements;

@@ -11,8 +11,8 @@
 namespace lidar {
 
 // Reads the element list from `device`. Safe on any input: elements are read
-// one by one and reading stops at the first that cannot be read, so a corrupt
-// count or a cut file yields the elements before the damage.
+// one by one, so a corrupt count allocates nothing up front, and reading stops
+// at the first element that cannot be read, giving an empty list.
 QVector<QByteArray> readRecordElements(QIODevice& device);
 // The same from a file; an unreadable file gives an empty list.
 QVector<QByteArray> readRecordFile(const QString& fileName);
