@@ -1,7 +1,6 @@
 #include "ScanDeck.h"
 
 #include "AboutDialog.h"
-#include "FrameRelay.h"
 #include "IniSettings.h"
 #include "LIdarFactory.h"
 #include "LidarAnalysis.h"
@@ -121,7 +120,6 @@ void ScanDeck::initUi()
 
     // Nothing is connected yet: only the connect buttons are live.
     applyLiveState(false);
-    m_frameRelay = new FrameRelay(this);
 
     m_tableModel = new QStandardItemModel(this);
     m_tableModel->setHorizontalHeaderLabels(pointtable::headers());

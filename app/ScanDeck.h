@@ -24,7 +24,6 @@
 #include <vtkSmartPointer.h>
 
 class AboutDialog;
-class FrameRelay;
 class LidarAnalysis;
 class QAbstractButton;
 class QLabel;
@@ -128,8 +127,6 @@ public:
     bool isPlaying() const { return m_playing; }
     // The connection dialog, once btn_connect has made it.
     SelectConnectType* connectDialog() const { return m_connectDialog; }
-    // Carries live frames to showFrame; counts those a slow display dropped.
-    FrameRelay* frameRelay() const { return m_frameRelay; }
 
     // Read access for the measurement tools, the benchmark and the tests.
     int pointSize() const { return m_pointSize; }
@@ -222,7 +219,6 @@ private:
     CloudPtr m_clickCloud;  // "m_clickPointCloud"
     std::shared_ptr<pcl::visualization::PCLVisualizer> m_viewer;
     LiveConnection m_live;
-    FrameRelay* m_frameRelay = nullptr;
     QList<QMetaObject::Connection> m_sessionConnections;
     SelectConnectType* m_connectDialog = nullptr;
     SaveFileHook m_saveFileHook;

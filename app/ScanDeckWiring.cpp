@@ -3,7 +3,6 @@
 
 #include "ScanDeck.h"
 
-#include "FrameRelay.h"
 #include "LidarAnalysis.h"
 #include "OffinePlayWidget.h"
 #include "ui_ScanDeck.h"
@@ -88,9 +87,8 @@ void ScanDeck::wireSessionSignals()
     c << connect(ui->btn_motor_state, &QAbstractButton::toggled, session,
                  [session](bool checked) { session->SetMotorFrequency(checked ? 1 : 0); });
     // The session lives on its worker thread: its frames reach the display
-    // queued, through the relay that keeps a slow display from piling them up.
-    c << m_frameRelay->attach(session);
-    connect(m_frameRelay, &FrameRelay::frameReady, this, &ScanDeck::showFrame, Qt::UniqueConnection);
+    // queued, every one of them drawn.
+    c << connect(session, &LidarAnalysis::SendleLidarDataSignal, this, &ScanDeck::showFrame, Qt::UniqueConnection);
     c << connect(session, &LidarAnalysis::SendMessageSignal, this, &ScanDeck::showWarning);
     c << connect(session, &LidarAnalysis::SendEndSaveDataSignal, this, &ScanDeck::showFileSaved);
     c << connect(session, &LidarAnalysis::SendGPSTimeData, this, [](const lidar::GPSTime&) {

@@ -16,7 +16,6 @@
 // The sender runs in this process on a thread of its own and sends to
 // 127.0.0.1 only.
 
-#include "FrameRelay.h"
 #include "LIdarFactory.h"
 #include "LidarAnalysis.h"
 #include "OffinePlayWidget.h"
@@ -215,8 +214,9 @@ bool connectWindow(ScanDeck& window, const QString& model, quint16 dataPort, Cou
             QObject::connect(session, &LidarAnalysis::SendleLidarDataSignal, session,
                              [&counters](const lidar::LidarDataPoint_V4&) { ++counters.decoded; },
                              Qt::DirectConnection);
-            // After the window's own display slot: runs once it has drawn.
-            QObject::connect(window.frameRelay(), &FrameRelay::frameReady, &window, [&counters] { ++counters.drawn; });
+            // Queued after the window's own display slot: runs once it has drawn.
+            QObject::connect(session, &LidarAnalysis::SendleLidarDataSignal, &window,
+                             [&counters] { ++counters.drawn; });
             return true;
         }
     }
@@ -270,10 +270,10 @@ int runStream(ScanDeck& window, const QString& modelName, sim::Model model, doub
     const quint64 decoded = counters.decoded.load() - decodedAtStart;
     const quint64 drawn = counters.drawn - drawnAtStart;
     std::printf("  revolutions sent %llu, frames decoded %llu (%llu while sending), drawn %llu (%.1f%% of sent), "
-                "dropped by the display relay %llu\n",
+                "still queued %lld\n",
                 (unsigned long long)sent, (unsigned long long)decoded, (unsigned long long)decodedWhileSending,
                 (unsigned long long)drawn, sent ? 100.0 * double(drawn) / double(sent) : 0.0,
-                (unsigned long long)window.frameRelay()->droppedFrames());
+                (long long)(decoded - drawn));
     std::printf("  RSS start %.1f MiB, max %.1f MiB, after draining %.1f MiB\n", rssStart, rssMax, rssMiB());
     std::printf("  viewer CPU %.1f%% of one core (%.1f s over %.1f s)\n", 100.0 * viewerCpu / elapsed, viewerCpu,
                 elapsed);
@@ -293,7 +293,7 @@ int runLatency(ScanDeck& window, const QString& modelName, sim::Model model, dou
     std::vector<double> latenciesMs;
     ScanDeck::FrameTimings spent;  // summed over the frames measured
     const double periodMs = 100.0;
-    QObject::connect(window.frameRelay(), &FrameRelay::frameReady, &window, [&] {
+    QObject::connect(window.session().get(), &LidarAnalysis::SendleLidarDataSignal, &window, [&] {
                          const qint64 now = PacedSender::nowNs();
                          const qint64 sent = sender.lastBoundaryBefore(now);
                          if (sent >= 0 && (now - sent) / 1e6 < periodMs)
