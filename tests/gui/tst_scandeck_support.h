@@ -1,11 +1,17 @@
 #pragma once
 // Shared by the main-window tests: a scratch working directory with its own
-// settings file (loopback addresses only), message boxes answered without a
-// click, hand-made frames, and a main() that prepares OpenGL for VTK.
+// settings file (loopback only), message boxes answered without a click,
+// hand-made frames, a simulated lidar on a thread of its own, and a main()
+// that prepares OpenGL for VTK.
 
+#include "FrameCollector.h"
+#include "LIdarFactory.h"
+#include "LoopbackLidar.h"
 #include "ScanDeck.h"
+#include "SimulationThread.h"
 #include "UserMessages.h"
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QDir>
 #include <QFile>
@@ -14,29 +20,33 @@
 #include <QtTest>
 #include <cmath>
 #include <memory>
+#include <pcl/point_cloud.h>
+#include <pcl/point_types.h>
+#include <pcl/visualization/pcl_visualizer.h>
 #include <vtkObject.h>
 
 namespace testing {
 
-// Enters a fresh temporary directory laid out like the build directory:
-// ini/connect_type.ini (with "language" when given) and the translation.
+using Frame = lidar::LidarDataPoint_V4;
+
+inline void writeSettingsFile(const QString& text)
+{
+    QFile ini(QStringLiteral("ini/connect_type.ini"));
+    if (ini.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Text))
+        QTextStream(&ini) << text;
+}
+
+// Enters a fresh temporary directory laid out like the build directory.
 class ScratchWorkingDir {
 public:
-    explicit ScratchWorkingDir(const QString& language = QString())
-        : m_previous(QDir::currentPath())
+    explicit ScratchWorkingDir(const QString& language = QString()) : m_previous(QDir::currentPath())
     {
         QDir(m_dir.path()).mkpath(QStringLiteral("ini"));
-        QFile ini(m_dir.filePath(QStringLiteral("ini/connect_type.ini")));
-        if (ini.open(QIODevice::WriteOnly | QIODevice::Text)) {
-            QTextStream out(&ini);
-            out << "LiDAR IP=127.0.0.1\nData IP=127.0.0.1\nLiDAR Port=2369\nData Port=2368\n";
-            if (!language.isNull())
-                out << "language=" << language << "\n";
-            out << "\n[connect_type]\nmodel1=Tern\n\n[Tern]\nnetwork port function=true\n"
-                   "default baud rate=230400\n";
-        }
-        QFile::copy(m_previous + QStringLiteral("/scandeck_zh.qm"), m_dir.filePath(QStringLiteral("scandeck_zh.qm")));
+        QFile::copy(m_previous + "/scandeck_zh.qm", m_dir.filePath(QStringLiteral("scandeck_zh.qm")));
         QDir::setCurrent(m_dir.path());
+        writeSettingsFile("LiDAR IP=127.0.0.1\nData IP=127.0.0.1\nLiDAR Port=2369\nData Port=2368\n"
+                          + (language.isNull() ? QString() : "language=" + language + "\n")
+                          + "\n[connect_type]\nmodel1=Tern\n\n[Tern]\ndefault baud rate=230400\n");
     }
     ~ScratchWorkingDir() { QDir::setCurrent(m_previous); }
 
@@ -64,6 +74,13 @@ public:
         });
     }
     ~MessageRecorder() { usermessages::setHandler(m_previous); }
+    QStringList texts() const
+    {
+        QStringList all;
+        for (const UserMessage& m : messages)
+            all << m.title + ": " + m.text;
+        return all;
+    }
 
     QList<UserMessage> messages;
     QMessageBox::StandardButton answer = QMessageBox::No;
@@ -78,37 +95,57 @@ struct PointSpec {
     int32_t intensity;
 };
 
-inline lidar::LidarDataPoint_V4 makeFrame(std::initializer_list<PointSpec> points)
+inline Frame makeFrame(std::initializer_list<PointSpec> points)
 {
-    lidar::LidarDataPoint_V4 frame;
+    Frame frame;
     for (const PointSpec& s : points) {
         lidar::LidarPoint p;
-        p.x = s.x;
-        p.y = s.y;
-        p.azimuth = s.azimuth;
+        p.x = s.x, p.y = s.y, p.azimuth = s.azimuth, p.intensity = s.intensity;
         p.distance = int32_t(std::sqrt(s.x * s.x + s.y * s.y) * 1000);
-        p.intensity = s.intensity;
         frame.points[s.id].push_back(p);
     }
     return frame;
 }
 
-// A frame of n points on a circle of 5 m, all under ID 0.
-inline lidar::LidarDataPoint_V4 ringFrame(int n)
+// n points on a circle of 5 m, one per 360/n degrees, all under ID 0.
+inline Frame ringFrame(int n)
 {
-    lidar::LidarDataPoint_V4 frame;
-    auto& line = frame.points[0];
+    Frame frame;
     for (int i = 0; i < n; ++i) {
+        const float azimuth = 360.0f * i / n, rad = azimuth * float(M_PI / 180.0);
         lidar::LidarPoint p;
-        p.azimuth = 360.0f * i / n;
-        const float rad = p.azimuth * float(M_PI / 180.0);
-        p.x = std::sin(rad) * 5.0f;
-        p.y = std::cos(rad) * 5.0f;
-        p.distance = 5000;
-        p.intensity = i % 256;
-        line.push_back(p);
+        p.azimuth = azimuth, p.x = std::sin(rad) * 5.0f, p.y = std::cos(rad) * 5.0f;
+        p.distance = 5000, p.intensity = i % 256;
+        frame.points[0].push_back(p);
     }
     return frame;
+}
+
+inline int pointCount(const Frame& frame)
+{
+    int n = 0;
+    for (const auto& line : frame.points)
+        n += line.size();
+    return n;
+}
+
+// Same points, value for value, under the same IDs.
+inline bool sameFrame(const Frame& a, const Frame& b)
+{
+    if (a.points.keys() != b.points.keys())
+        return false;
+    for (auto it = a.points.cbegin(); it != a.points.cend(); ++it) {
+        const auto& pb = b.points.value(it.key());
+        if (it.value().size() != pb.size())
+            return false;
+        for (int i = 0; i < pb.size(); ++i) {
+            const lidar::LidarPoint &p = it.value()[i], &q = pb[i];
+            if (p.x != q.x || p.y != q.y || p.z != q.z || p.azimuth != q.azimuth || p.distance != q.distance
+                || p.intensity != q.intensity || p.timestamp != q.timestamp)
+                return false;
+        }
+    }
+    return true;
 }
 
 inline std::unique_ptr<ScanDeck> openWindow()
@@ -122,27 +159,98 @@ inline std::unique_ptr<ScanDeck> openWindow()
     return window;
 }
 
-// A control of the main window itself; the offline player's form has its
-// own btn_table and btn_export_csv, which this skips.
+// A control of the main window itself, not the offline player's namesake.
 template <typename T = QWidget>
 T* control(QWidget* window, const char* name)
 {
     const QWidget* player = window->findChild<QWidget*>(QStringLiteral("offline"));
-    for (T* candidate : window->findChildren<T*>(QLatin1String(name))) {
+    for (T* candidate : window->findChildren<T*>(QLatin1String(name)))
         if (!player || candidate == player || !player->isAncestorOf(candidate))
             return candidate;
-    }
     return nullptr;
+}
+
+inline void click(QWidget* window, const char* name)
+{
+    auto* button = control<QAbstractButton>(window, name);
+    QVERIFY2(button, name);
+    button->click();
+}
+
+// The live controls and whether each is enabled ("+") or not ("-").
+inline QString liveControlStates(QWidget* window)
+{
+    QStringList states;
+    for (const char* name : {"btn_auto_connect", "btn_connect", "btn_disconnect", "btn_save_data", "btn_play_pause",
+                             "btn_export_csv", "btn_motor_state", "comboBox_motor_filter", "comboBox_motor_frequency"}) {
+        QWidget* widget = control(window, name);
+        states << QString::fromLatin1(name) + (widget && widget->isEnabled() ? "+" : "-");
+    }
+    return states.join(' ');
+}
+inline const QString kStartControls = QStringLiteral(
+    "btn_auto_connect+ btn_connect+ btn_disconnect- btn_save_data- btn_play_pause- btn_export_csv- "
+    "btn_motor_state- comboBox_motor_filter- comboBox_motor_frequency-");
+inline const QString kConnectedControls = QStringLiteral(
+    "btn_auto_connect- btn_connect- btn_disconnect+ btn_save_data+ btn_play_pause+ btn_export_csv+ "
+    "btn_motor_state+ comboBox_motor_filter+ comboBox_motor_frequency+");
+
+// A simulated lidar over loopback UDP or a pseudo-terminal.
+class SimulatedLidarRig {
+public:
+    ~SimulatedLidarRig() { m_thread.stop(); }
+    bool start(const QString& modelName, sim::Transport transport)
+    {
+        sim::SimOptions options;
+        if (!sim::modelFromName(modelName, &options.model))
+            return false;
+        options.transport = transport;
+        options.dataHost = QStringLiteral("127.0.0.1");
+        options.dataPort = freeUdpPort();
+        options.commandPort = 0;
+        QString error;
+        if (!m_thread.start(options, &error))
+            return false;
+        network.lidarIp = network.dataIp = QStringLiteral("127.0.0.1");
+        network.dataPort = options.dataPort;
+        network.lidarPort = m_thread.engine()->commandPort();
+        serial.portName = m_thread.engine()->ptyPath();
+        serial.baudRate = 460800;
+        return true;
+    }
+    NetworkParam network;
+    SerialPortParam serial;
+
+private:
+    sim::SimulationThread m_thread;
+};
+
+// A connection is confirmed by a frame within 200 ms, which a busy machine
+// can miss: a few tries before the link counts as broken.
+inline bool connectWindow(ScanDeck& window, const QString& model, const SimulatedLidarRig& rig, bool serial = false)
+{
+    for (int i = 0; i < 4; ++i)
+        if (serial ? window.ConnectSerialLidar(model, rig.serial) : window.ConnectNetworkLidar(model, rig.network))
+            return true;
+    return false;
+}
+
+// The registry outlives every window: leave its session disconnected.
+inline void quietRegistry()
+{
+    if (auto session = LIdarFactory::GetInstance()->GetCurrentLidar())
+        session->WaitDisconnect();
+    waitFor([] { return false; }, 30);
 }
 
 }  // namespace testing
 
-#define SCANDECK_TEST_MAIN(TestClass)          \
-    int main(int argc, char** argv)            \
-    {                                          \
-        vtkObject::SetGlobalWarningDisplay(0); \
-        ScanDeck::prepareGraphics();           \
-        QApplication app(argc, argv);          \
-        TestClass test;                        \
+#define SCANDECK_TEST_MAIN(TestClass)           \
+    int main(int argc, char** argv)             \
+    {                                           \
+        vtkObject::SetGlobalWarningDisplay(0);  \
+        ScanDeck::prepareGraphics();            \
+        QApplication app(argc, argv);           \
+        TestClass test;                         \
         return QTest::qExec(&test, argc, argv); \
     }

@@ -1,0 +1,260 @@
+// The main window without a lidar: its state at start, the language taken
+// from and written to the settings file, hand-made frames through showFrame
+// (rounding, angle range, colours, box, table), camera views and closing.
+
+#include "tst_scandeck_support.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDoubleSpinBox>
+#include <QSpinBox>
+#include <QStandardItemModel>
+#include <QTabWidget>
+
+#include <vtkCamera.h>
+#include <vtkMath.h>
+#include <vtkRenderer.h>
+
+#include <limits>
+
+using namespace testing;
+
+namespace {
+
+QList<QList<int>> colours(const ScanDeck::Cloud& cloud)
+{
+    QList<QList<int>> all;
+    for (const pcl::PointXYZRGB& p : cloud.points)
+        all << QList<int>{p.r, p.g, p.b};
+    return all;
+}
+
+QStringList tableColumn(QStandardItemModel* model, int column)
+{
+    QStringList cells;
+    for (int row = 0; row < model->rowCount(); ++row)
+        cells << model->item(row, column)->text();
+    return cells;
+}
+
+}  // namespace
+
+class ScanDeckWindowTest : public QObject {
+    Q_OBJECT
+private slots:
+    void initTestCase() { m_dir = std::make_unique<ScratchWorkingDir>(QStringLiteral("English")); }
+    void cleanupTestCase() { m_dir.reset(); }
+
+    void startState();
+    void startLanguage_data();
+    void startLanguage();
+    void languageSwitch();
+    void roundingRangeAndTable();
+    void colourModes_data();
+    void colourModes();
+    void rowLimitAndEmptyFrames();
+    void boxSelection();
+    void cameraViews_data();
+    void cameraViews();
+    void closeQuestionsDoNotBlock();
+
+private:
+    std::unique_ptr<ScratchWorkingDir> m_dir;
+};
+
+void ScanDeckWindowTest::startState()
+{
+    auto w = openWindow();
+    for (const char* name : {"btn_ranging", "spinBox_point_size", "cob_language", "btn_auto_connect", "btn_connect",
+                             "spinbox_min_angle", "spinbox_max_angle", "btn_table", "btn_axis", "btn_top_view",
+                             "btn_about", "btn_clear", "offline", "comboBox_color_mode", "checkBox_all_data"})
+        QVERIFY2(control(w.get(), name) && control(w.get(), name)->isEnabled(), name);
+    for (const char* name : {"btn_GPS_test", "btn_export_csv", "btn_disconnect", "btn_save_data", "btn_play_pause",
+                             "btn_motor_state", "comboBox_motor_frequency", "btn_resize_range"})
+        QVERIFY2(control(w.get(), name) && !control(w.get(), name)->isEnabled(), name);
+    // The spin box shows 3 while the cloud is drawn with 4 until it changes.
+    QCOMPARE(control<QSpinBox>(w.get(), "spinBox_point_size")->value(), 3);
+    QCOMPARE(w->pointSize(), 4);
+}
+
+void ScanDeckWindowTest::startLanguage_data()
+{
+    QTest::addColumn<QString>("setting");
+    QTest::addColumn<int>("index");
+    QTest::newRow("Chinese") << QStringLiteral("Chinese") << 0;
+    QTest::newRow("English") << QStringLiteral("English") << 1;
+    QTest::newRow("absent") << QString() << 1;
+    QTest::newRow("lower case is not Chinese") << QStringLiteral("chinese") << 1;
+}
+
+void ScanDeckWindowTest::startLanguage()
+{
+    QFETCH(QString, setting);
+    QFETCH(int, index);
+    ScratchWorkingDir dir(setting);
+    auto w = openWindow();
+    QCOMPARE(control<QComboBox>(w.get(), "cob_language")->currentIndex(), index);
+    const QString connectText = control<QAbstractButton>(w.get(), "btn_connect")->text();
+    if (index == 1 || dir.hasTranslation())
+        QCOMPARE(connectText, QString::fromUtf8(index == 0 ? "连接" : "Connect"));
+}
+
+void ScanDeckWindowTest::languageSwitch()
+{
+    ScratchWorkingDir dir(QStringLiteral("English"));
+    auto w = openWindow();
+    w->setWindowTitle(QStringLiteral("Tern"));
+    auto* language = control<QComboBox>(w.get(), "cob_language");
+    language->setCurrentIndex(0);
+    QVERIFY(dir.settingsText().contains(QStringLiteral("language=Chinese\n")));
+    QCOMPARE(w->windowTitle(), QStringLiteral("Tern"));
+    language->setCurrentIndex(1);
+    const QString settings = dir.settingsText();
+    QVERIFY(settings.contains(QStringLiteral("language=English\n")) && !settings.contains(QStringLiteral("Chinese")));
+    QVERIFY(settings.contains(QStringLiteral("LiDAR IP=127.0.0.1\n")));  // the rest stays as it was
+    QCOMPARE(control<QAbstractButton>(w.get(), "btn_connect")->text(), QStringLiteral("Connect"));
+    QCOMPARE(w->windowTitle(), QStringLiteral("Tern"));
+}
+
+void ScanDeckWindowTest::roundingRangeAndTable()
+{
+    auto w = openWindow();
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    w->showFrame(makeFrame({{0, 0.125f, -0.125f, 0.0f, 10}, {0, 1.0f, 1.0f, 360.0f, 10},
+                            {0, 1.0f, 1.0f, 360.01f, 10}, {0, 2.0f, 2.0f, nan, 10}, {3, 1.234f, -1.235f, 45.0f, 10}}));
+    const ScanDeck::Cloud& cloud = w->frameCloud();
+    QCOMPARE(int(cloud.size()), 3);  // 360.01 and NaN are outside 0..360
+    QCOMPARE(cloud.points[0].x, 0.13f);
+    QCOMPARE(cloud.points[0].y, -0.12f);  // halves go up, negatives too
+    QCOMPARE(cloud.points[2].y, -1.23f);
+    QCOMPARE(int(w->lastFrame().pointCount()), 5);  // the stored frame keeps the skipped points
+    QCOMPARE(tableColumn(w->tableModel(), 0), (QStringList{"0", "0", "3"}));
+    QCOMPARE(w->tableModel()->item(0, 1)->text(), QStringLiteral("0.130,   -0.120,   0.00"));
+    QCOMPARE(w->tableModel()->item(2, 2)->text(), QStringLiteral("45.00"));
+
+    // The range spin boxes: both bounds inclusive, a reversed range shows nothing.
+    control<QDoubleSpinBox>(w.get(), "spinbox_min_angle")->setValue(90);
+    control<QDoubleSpinBox>(w.get(), "spinbox_max_angle")->setValue(180);
+    w->showFrame(ringFrame(360));
+    QCOMPARE(int(w->frameCloud().size()), 91);
+    control<QDoubleSpinBox>(w.get(), "spinbox_min_angle")->setValue(200);
+    w->showFrame(ringFrame(360));
+    QCOMPARE(int(w->frameCloud().size()), 0);
+}
+
+void ScanDeckWindowTest::colourModes_data()
+{
+    QTest::addColumn<int>("mode");
+    QTest::addColumn<QList<QList<int>>>("expected");
+    // Intensity 80 at 10 degrees, 31 at 100, 128 at 200, 255 at 300, 0 at 359.
+    QTest::newRow("Intensity, with its wrap-arounds")
+        << 0 << QList<QList<int>>{{0, 255, 0}, {0, 248, 255}, {255, 254, 0}, {255, 0, 0}, {0, 0, 255}};
+    QTest::newRow("Azimuth")
+        << 1 << QList<QList<int>>{{0, 255, 255}, {0, 125, 192}, {0, 255, 0}, {255, 255, 0}, {255, 255, 0}};
+    const QList<int> white{255, 255, 255};
+    QTest::newRow("Solid") << 2 << QList<QList<int>>{white, white, white, white, white};
+}
+
+void ScanDeckWindowTest::colourModes()
+{
+    QFETCH(int, mode);
+    QFETCH(QList<QList<int>>, expected);
+    auto w = openWindow();
+    control<QComboBox>(w.get(), "comboBox_color_mode")->setCurrentIndex(mode);
+    w->showFrame(makeFrame({{0, 1, 0, 10, 80}, {0, 1, 0, 100, 31}, {1, 1, 0, 200, 128}, {1, 1, 0, 300, 255},
+                            {1, 1, 0, 359, 0}}));
+    QCOMPARE(colours(w->frameCloud()), expected);
+}
+
+void ScanDeckWindowTest::rowLimitAndEmptyFrames()
+{
+    auto w = openWindow();
+    QStandardItemModel* model = w->tableModel();
+    w->showFrame(ringFrame(50));
+    QCOMPARE(model->rowCount(), 30);
+    control<QCheckBox>(w.get(), "checkBox_all_data")->setChecked(true);
+    w->showFrame(ringFrame(50));
+    QCOMPARE(model->rowCount(), 50);
+    control<QCheckBox>(w.get(), "checkBox_all_data")->setChecked(false);
+    control<QSpinBox>(w.get(), "spinBox_rows")->setValue(5);
+    control<QSpinBox>(w.get(), "spinBox_precision")->setValue(0);
+    w->showFrame(ringFrame(50));
+    QCOMPARE(tableColumn(model, 2), (QStringList{"0", "7", "14", "22", "29"}));  // 7.2 degrees apart
+
+    // An empty frame empties the view and leaves the table.
+    w->showFrame(Frame());
+    QCOMPARE(int(w->frameCloud().size()), 0);
+    QVERIFY(w->lastFrame().points.isEmpty());
+    QCOMPARE(model->rowCount(), 5);
+}
+
+void ScanDeckWindowTest::boxSelection()
+{
+    auto w = openWindow();
+    w->showFrame(makeFrame({{0, 0.0f, 1.0f, 0, 10}, {0, 0.5f, 1.5f, 18, 10}, {0, 3.0f, 3.0f, 45, 10}}));
+    w->areaPicked({0, 1, 99});  // the rubber band caught the first two points
+    QVERIFY(w->isBoxActive());
+    const BoxRange box = w->getBoxRange();
+    QCOMPARE((QList<float>{box.min.x, box.min.y, box.max.x, box.max.y}), (QList<float>{0.0f, 1.0f, 0.5f, 1.5f}));
+
+    // From the next frame on the points inside (after rounding) are drawn white and are the table.
+    w->showFrame(makeFrame({{0, 0.004f, 1.0f, 0, 10}, {0, 3.0f, 3.0f, 45, 10}, {2, 0.5f, 1.5f, 18, 10},
+                            {2, 0.506f, 1.2f, 22, 10}}));
+    QCOMPARE(int(w->frameCloud().size()), 4);
+    QCOMPARE(colours(w->boxCloud()), (QList<QList<int>>{{255, 255, 255}, {255, 255, 255}}));
+    QCOMPARE(tableColumn(w->tableModel(), 0), (QStringList{"0", "2"}));
+
+    // Nothing inside: the table keeps the frame's rows.
+    w->showFrame(makeFrame({{0, 3.0f, 3.0f, 45, 10}, {1, 4.0f, 4.0f, 45, 10}}));
+    QCOMPARE(int(w->boxCloud().size()), 0);
+    QCOMPARE(tableColumn(w->tableModel(), 0), (QStringList{"0", "1"}));
+}
+
+void ScanDeckWindowTest::cameraViews_data()
+{
+    QTest::addColumn<QString>("button");
+    QTest::addColumn<QList<double>>("direction");
+    QTest::addColumn<QList<double>>("viewUp");
+    const double s = 1 / std::sqrt(5.0);
+    QTest::newRow("top") << "btn_top_view" << QList<double>{0, 0, 1} << QList<double>{0, 1, 0};
+    QTest::newRow("left") << "btn_left_view" << QList<double>{-2 * s, 0, s} << QList<double>{0, 0, 1};
+    QTest::newRow("right") << "btn_right_view" << QList<double>{2 * s, 0, s} << QList<double>{0, 0, 1};
+    QTest::newRow("front") << "btn_front_view" << QList<double>{0, -2 * s, s} << QList<double>{0, 0, 1};
+}
+
+void ScanDeckWindowTest::cameraViews()
+{
+    QFETCH(QString, button);
+    QFETCH(QList<double>, direction);
+    QFETCH(QList<double>, viewUp);
+    auto w = openWindow();
+    w->showFrame(ringFrame(100));
+    click(w.get(), qPrintable(button));
+    vtkCamera* camera = w->renderer()->GetActiveCamera();
+    double position[3], focal[3], up[3];
+    camera->GetPosition(position);
+    camera->GetFocalPoint(focal);
+    camera->GetViewUp(up);
+    double toCamera[3] = {position[0] - focal[0], position[1] - focal[1], position[2] - focal[2]};
+    vtkMath::Normalize(toCamera);
+    for (int i = 0; i < 3; ++i)
+        QVERIFY(std::abs(toCamera[i] - direction[i]) < 1e-6 && std::abs(up[i] - viewUp[i]) < 1e-6);
+}
+
+void ScanDeckWindowTest::closeQuestionsDoNotBlock()
+{
+    MessageRecorder recorder;
+    auto w = openWindow();
+    for (const char* name : {"btn_save_data", "btn_export_csv"}) {
+        control<QAbstractButton>(w.get(), name)->setEnabled(true);
+        control<QAbstractButton>(w.get(), name)->setChecked(true);
+    }
+    w->close();
+    QCOMPARE(recorder.texts(),
+             (QStringList{"question: Data is being recorded. Do you want to save the data before exiting the program?",
+                          "question: Exporting csv data, do you want to save the data before exiting the program?"}));
+    QVERIFY(!w->isVisible());  // No discards nothing; the window closes all the same
+}
+
+SCANDECK_TEST_MAIN(ScanDeckWindowTest)
+#include "tst_scandeck_window.moc"
