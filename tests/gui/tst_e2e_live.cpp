@@ -3,6 +3,7 @@
 // played back against what was shown live, the automatic connection, and
 // the demo mode in the window and as the program itself.
 
+#include "AutoConnector.h"
 #include "DemoLidar.h"
 #include "OffinePlayWidget.h"
 #include "tst_scandeck_support.h"
@@ -27,6 +28,21 @@ int framesSeen(const FrameCollector& collector)
     return collector.frames.size();
 }
 
+// Logs each attempt of the automatic connection and refuses it.
+struct AttemptLog : IConnectLiDAR {
+    QStringList attempts;
+    bool ConnectNetworkLidar(const QString& model, const NetworkParam& p) override
+    {
+        attempts << QStringLiteral("net %1 %2").arg(model).arg(p.lidarPort);
+        return false;
+    }
+    bool ConnectSerialLidar(const QString& model, const SerialPortParam& p) override
+    {
+        attempts << QStringLiteral("serial %1 %2 %3").arg(model, p.portName).arg(p.baudRate);
+        return false;
+    }
+};
+
 }  // namespace
 
 class LiveEndToEndTest : public QObject {
@@ -36,6 +52,7 @@ private slots:
 
     void connectRecordDisconnect_data();
     void connectRecordDisconnect();
+    void autoConnectTriesEveryModelAndPortTwice();
     void autoConnectFindsTheLidar();
     void autoConnectFailsOrIsCancelled();
     void demoMode();
@@ -137,6 +154,22 @@ void LiveEndToEndTest::connectRecordDisconnect()
     }
     QVERIFY2(pause ? unseen >= 5 : unseen == 0, qPrintable(QString::number(unseen)));
     QVERIFY(sameFrame(live.frames[k - 1], inner.last()));
+}
+
+void LiveEndToEndTest::autoConnectTriesEveryModelAndPortTwice()
+{
+    QWidget parent;
+    AutoConnectPlan plan;
+    plan.network.lidarIp = plan.network.dataIp = QStringLiteral("127.0.0.1");
+    plan.baudRates = {{QStringLiteral("Wren_Plus"), 460800}, {QStringLiteral("Tern"), 230400}};
+    AttemptLog log;
+    int listings = 0;
+    AutoConnector connector(log, [&listings] { return ++listings, QStringList{"ttyA", "ttyB"}; });
+    QCOMPARE(connector.run(plan, &parent), AutoConnector::Outcome::Failed);
+    const QStringList onePass{"net Tern 2369", "serial Tern ttyA 230400", "serial Tern ttyB 230400",
+                              "net Wren_Plus 2369", "serial Wren_Plus ttyA 460800", "serial Wren_Plus ttyB 460800"};
+    QCOMPARE(log.attempts, onePass + onePass);
+    QVERIFY(listings >= 2);  // the ports are asked for afresh on each pass
 }
 
 void LiveEndToEndTest::autoConnectFindsTheLidar()
