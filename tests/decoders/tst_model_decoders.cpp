@@ -337,10 +337,10 @@ void ModelDecodersTest::commandsAndProgramWideRetries()
     // call once, in whichever session; the frequency follows twice.
     firstSent.clear();
     first->SetLidarFilter(0);
-    const QByteArray filter0 = commandBytes(filterClass, 6, 0, {{181, filterCodes[0]}});
+    const QByteArray filter0 = commandBytes(filterClass, 6, 0, {{181, uint8_t(filterCodes[0])}});
     QCOMPARE(spied<QByteArray>(firstSent), (Bytes{filter0, filter0, filter0, stop, stop}));
     second->SetLidarFilter(1);
-    const QByteArray filter1 = commandBytes(filterClass, 6, 1, {{181, filterCodes[1]}});
+    const QByteArray filter1 = commandBytes(filterClass, 6, 1, {{181, uint8_t(filterCodes[1])}});
     QCOMPARE(spied<QByteArray>(secondSent), (Bytes{filter1, run, run}));
 
     secondSent.clear();
