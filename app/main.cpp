@@ -11,7 +11,7 @@
 
 int main(int argc, char* argv[])
 {
-    catchTerminationSignals();
+    termination::catchSignals();
     vtkObject::SetGlobalWarningDisplay(0);
     ScanDeck::prepareGraphics();
     QApplication app(argc, argv);
@@ -27,7 +27,7 @@ int main(int argc, char* argv[])
     {
         ScanDeck window;
         window.show();
-        closeOnTerminationSignals(&window);
+        termination::onSignal(&window, [&window] { window.close(); });
         DemoLidar demoLidar;
         if (demo.wanted) {
             // Once the window is up, so that it paints while the link is confirmed.

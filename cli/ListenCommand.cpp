@@ -3,15 +3,12 @@
 #include "CliSupport.h"
 #include "FrameListener.h"
 #include "LIdarFactory.h"
+#include "TerminationSignals.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
-#include <QSocketNotifier>
 #include <QUdpSocket>
 
-#include <csignal>
-#include <sys/socket.h>
-#include <unistd.h>
 
 namespace cli {
 namespace {
@@ -62,16 +59,6 @@ struct ListenOptions {
         return network ? QStringLiteral("%1:%2").arg(bindIp).arg(dataPort) : serialPort;
     }
 };
-
-// Ctrl-C and SIGTERM end the wait cleanly: the CSV and the recording are
-// still written. The handler only writes a byte; the event loop reacts.
-int g_signalPipe[2] = {-1, -1};
-
-void onSignal(int)
-{
-    const char byte = 1;
-    (void)!::write(g_signalPipe[1], &byte, 1);
-}
 
 // Parses the arguments into `o`; returns -1 to go on, else the exit code.
 int parseListenOptions(const QStringList& arguments, ListenOptions& o)
@@ -219,13 +206,10 @@ int runListen(const QStringList& arguments)
     QObject::connect(&listener, &FrameListener::finished, QCoreApplication::instance(), &QCoreApplication::exit,
                      Qt::QueuedConnection);
 
-    QSocketNotifier* notifier = nullptr;
-    if (::socketpair(AF_UNIX, SOCK_STREAM, 0, g_signalPipe) == 0) {
-        notifier = new QSocketNotifier(g_signalPipe[0], QSocketNotifier::Read, &listener);
-        QObject::connect(notifier, &QSocketNotifier::activated, &listener, &FrameListener::interrupt);
-        std::signal(SIGINT, onSignal);
-        std::signal(SIGTERM, onSignal);
-    }
+    // Ctrl-C and SIGTERM end the wait cleanly: the CSV and the recording
+    // are still written.
+    termination::catchSignals();
+    termination::onSignal(&listener, [&listener] { listener.interrupt(); });
 
     emit session->SendConnectSignal(o.network ? lidar::NetworkConnection : lidar::SerialPortConnection);
     int exitCode = Success;
@@ -246,8 +230,6 @@ int runListen(const QStringList& arguments)
         exitCode = listener.exitCode();
     }
 
-    std::signal(SIGINT, SIG_DFL);
-    std::signal(SIGTERM, SIG_DFL);
     QString recordError;
     if (!closeSession(session.get(), !o.record.isEmpty(), recordError)) {
         fileError(o.record, QStringLiteral("cannot write: %1").arg(recordError));
@@ -274,11 +256,6 @@ int runListen(const QStringList& arguments)
                                               .arg(seen).arg(o.frames).arg(o.model).arg(o.timeoutSeconds));
     else if (exitCode == Interrupted)
         printError(QStringLiteral("interrupted after %1 of %2 frames").arg(seen).arg(o.frames));
-    delete notifier;
-    if (g_signalPipe[0] >= 0) {
-        ::close(g_signalPipe[0]);
-        ::close(g_signalPipe[1]);
-    }
     return exitCode;
 }
 

@@ -4,44 +4,14 @@
 #include "SimCommandLine.h"
 #include "SimRecording.h"
 #include "SimulatedLidar.h"
+#include "TerminationSignals.h"
 
 #include <QCoreApplication>
-#include <QSocketNotifier>
 #include <QTimer>
 
-#include <csignal>
 #include <cstdio>
-#include <fcntl.h>
-#include <unistd.h>
 
 namespace {
-
-int g_signalPipe[2] = {-1, -1};
-
-// Only async-signal-safe work here: the event loop reads the pipe.
-void onSignal(int)
-{
-    const char byte = 1;
-    const ssize_t ignored = ::write(g_signalPipe[1], &byte, 1);
-    (void)ignored;
-}
-
-bool installSignalPipe()
-{
-    if (::pipe(g_signalPipe) != 0)
-        return false;
-    for (int fd : g_signalPipe) {
-        fcntl(fd, F_SETFD, FD_CLOEXEC);
-        fcntl(fd, F_SETFL, O_NONBLOCK);
-    }
-    struct sigaction action {};
-    action.sa_handler = onSignal;
-    sigemptyset(&action.sa_mask);
-    action.sa_flags = SA_RESTART;
-    sigaction(SIGINT, &action, nullptr);
-    sigaction(SIGTERM, &action, nullptr);
-    return true;
-}
 
 void printError(const QString& text)
 {
@@ -86,17 +56,11 @@ int main(int argc, char** argv)
         return 0;
     }
 
-    if (!installSignalPipe()) {
+    if (!termination::catchSignals()) {
         printError(QStringLiteral("cannot set up signal handling"));
         return 1;
     }
-    QSocketNotifier signalNotifier(g_signalPipe[0], QSocketNotifier::Read);
-    QObject::connect(&signalNotifier, &QSocketNotifier::activated, &app, [&] {
-        char byte;
-        while (::read(g_signalPipe[0], &byte, 1) > 0) {
-        }
-        app.quit();
-    });
+    termination::onSignal(&app, [&app] { app.quit(); });
 
     sim::SimulatedLidar lidar(line.options);
     if (!lidar.start()) {

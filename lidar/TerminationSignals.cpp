@@ -1,18 +1,18 @@
 #include "TerminationSignals.h"
 
 #include <QSocketNotifier>
-#include <QWidget>
 
 #include <csignal>
 #include <fcntl.h>
 #include <unistd.h>
 
+namespace termination {
 namespace {
 
 int g_signalPipe[2] = {-1, -1};
 
-// Only async-signal-safe work here: the event loop reads the pipe.
-void onSignal(int)
+// Only async-signal-safe work here.
+void writeByte(int)
 {
     const char byte = 1;
     const ssize_t ignored = ::write(g_signalPipe[1], &byte, 1);
@@ -21,7 +21,7 @@ void onSignal(int)
 
 }  // namespace
 
-bool catchTerminationSignals()
+bool catchSignals()
 {
     if (g_signalPipe[0] >= 0)
         return true;
@@ -32,7 +32,7 @@ bool catchTerminationSignals()
         fcntl(fd, F_SETFL, O_NONBLOCK);
     }
     struct sigaction action {};
-    action.sa_handler = onSignal;
+    action.sa_handler = writeByte;
     sigemptyset(&action.sa_mask);
     action.sa_flags = SA_RESTART;
     sigaction(SIGINT, &action, nullptr);
@@ -40,15 +40,17 @@ bool catchTerminationSignals()
     return true;
 }
 
-void closeOnTerminationSignals(QWidget* window)
+void onSignal(QObject* context, std::function<void()> action)
 {
     if (g_signalPipe[0] < 0)
         return;
-    auto* notifier = new QSocketNotifier(g_signalPipe[0], QSocketNotifier::Read, window);
-    QObject::connect(notifier, &QSocketNotifier::activated, window, [window] {
+    auto* notifier = new QSocketNotifier(g_signalPipe[0], QSocketNotifier::Read, context);
+    QObject::connect(notifier, &QSocketNotifier::activated, context, [action = std::move(action)] {
         char bytes[16];
         while (::read(g_signalPipe[0], bytes, sizeof bytes) > 0) {
         }
-        window->close();
+        action();
     });
 }
+
+}  // namespace termination
