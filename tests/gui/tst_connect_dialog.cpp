@@ -88,11 +88,9 @@ void ConnectDialogTest::validators_data()
     QTest::newRow("ip") << "led_lidar_ip" << "255.255.255.0" << ok;
     QTest::newRow("ip unfinished") << "led_data_ip" << "192.168." << partial;
     QTest::newRow("ip octet 256") << "led_lidar_ip" << "10.0.0.256" << bad;
-    QTest::newRow("ip five octets") << "led_data_ip" << "1.2.3.4.5" << bad;
     QTest::newRow("port 65535") << "led_data_port" << "65535" << ok;
     QTest::newRow("port 65536") << "led_lidar_port" << "65536" << bad;
     QTest::newRow("port leading zero") << "led_lidar_port" << "01" << bad;
-    QTest::newRow("port negative") << "led_data_port" << "-1" << bad;
 }
 
 void ConnectDialogTest::validators()

@@ -1,9 +1,8 @@
-// The offline player driven through its buttons, and which drops it accepts.
+// The offline player driven through its buttons.
 // Frames made here carry their 1-based number in motorSpeed.
 
 #include "LIdarFactory.h"
 #include "OffinePlayWidget.h"
-#include "OfflineDrop.h"
 #include "PacketBuilders.h"
 #include "RecordFile.h"
 
@@ -11,7 +10,6 @@
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
-#include <QMimeData>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QSlider>
@@ -60,14 +58,9 @@ private slots:
     void cleanupTestCase() { LIdarFactory::GetInstance()->Shutdown(); }
 
     void loadPlayLoopAndRestart();
-    void speedWhilePausedAndPlaying();
     void stepsSliderAndStop();
-    void spinBoxReturn_data();
-    void spinBoxReturn();
     void openRefused_data();
     void openRefused();
-    void drops_data();
-    void drops();
 
 private:
     template <typename T>
@@ -108,10 +101,17 @@ void PlayerTest::loadPlayLoopAndRestart()
              QList<int>({1, 3, 1, 3, 1}));
     QCOMPARE(child<QLabel>("label_maxNum")->text(), QString("/3"));
 
-    // Loop: after the last frame one tick shows nothing, the next shows frame 1.
-    child<QComboBox>("comboBox")->setCurrentIndex(0);  // slowest: ticks below are ours
+    // Speed chosen while paused applies at play, while playing at once.
+    auto* speed = child<QComboBox>("comboBox");
+    speed->setCurrentIndex(2);
+    QCOMPARE(player->playbackTimerId(), -1);
     click("btn_circulation");
     click("btn_play");
+    QCOMPARE(player->playbackInterval(), 50);
+    speed->setCurrentIndex(0);  // slowest: the ticks below are ours
+    const auto timers = QAbstractEventDispatcher::instance()->registeredTimers(player);
+    QVERIFY(timers.size() == 1 && timers[0].timerId == player->playbackTimerId() && timers[0].interval == 200);
+    // Loop: after the last frame one tick shows nothing, the next shows frame 1.
     for (int i = 0; i < 4; ++i)
         tick();
     QCOMPARE(shown(*spy), (QList<int>{1, 1, 2, 3}));
@@ -132,27 +132,6 @@ void PlayerTest::loadPlayLoopAndRestart()
     QCOMPARE(shown(*spy).last(), 1);
 }
 
-void PlayerTest::speedWhilePausedAndPlaying()
-{
-    auto timerInterval = [this] {
-        for (const auto& t : QAbstractEventDispatcher::instance()->registeredTimers(player))
-            if (t.timerId == player->playbackTimerId())
-                return t.interval;
-        return -1;
-    };
-    auto* combo = child<QComboBox>("comboBox");
-    player->loadFrames("Tern", numberedFrames(50));
-    combo->setCurrentIndex(2);  // X2, paused: applies at the next play
-    QCOMPARE(player->playbackTimerId(), -1);
-    click("btn_play");
-    QCOMPARE(timerInterval(), 50);
-    combo->setCurrentIndex(0);  // X0.5 while playing: a new timer at once
-    QCOMPARE(timerInterval(), 200);
-    combo->setCurrentIndex(3);
-    QCOMPARE(timerInterval(), 33);
-    QCOMPARE(QAbstractEventDispatcher::instance()->registeredTimers(player).size(), 1);
-}
-
 void PlayerTest::stepsSliderAndStop()
 {
     player->loadFrames("Tern", numberedFrames(3));
@@ -163,9 +142,21 @@ void PlayerTest::stepsSliderAndStop()
     QCOMPARE(shown(*spy), (QList<int>{1, 1, 1, 2, 3, 3, 3}));
 
     spy->clear();
-    QTest::keyClick(child<QSlider>("horizontalSlider"), Qt::Key_Left);
-    QCOMPARE(shown(*spy), QList<int>{2});
-    QCOMPARE(child<QSpinBox>("spinBox_progress")->value(), 2);
+    auto* slider = child<QSlider>("horizontalSlider");
+    auto* spin = child<QSpinBox>("spinBox_progress");
+    QTest::keyClick(slider, Qt::Key_Left);
+    QCOMPARE(spin->value(), 2);
+    // A frame number typed into the spin box (Return or Enter); 0 or nothing is refused.
+    for (const char* typed : {"3", "0", ""}) {
+        auto* edit = spin->findChild<QLineEdit*>();
+        edit->clear();
+        QTest::keyClicks(edit, typed);
+        QTest::keyClick(edit, *typed == '3' ? Qt::Key_Enter : Qt::Key_Return);
+    }
+    QCOMPARE(shown(*spy), (QList<int>{2, 3}));
+    const QString refusal = QStringLiteral("information: There is an error in the input. Please enter it again");
+    QCOMPARE(messages, (QStringList{refusal, refusal}));
+    QCOMPARE(QList<int>({player->currentPosition(), slider->value(), spin->text().toInt()}), QList<int>({3, 3, 3}));
 
     click("btn_stop");
     const Frame empty = spy->last().at(0).value<Frame>();
@@ -175,40 +166,6 @@ void PlayerTest::stepsSliderAndStop()
     QVERIFY(child<QPushButton>("btn_open_file")->isEnabled() && !child<QPushButton>("btn_next")->isEnabled());
     player->nextFrame();  // nothing to show
     QCOMPARE(spy->last().at(0).value<Frame>().motorSpeed, -1);
-}
-
-void PlayerTest::spinBoxReturn_data()
-{
-    QTest::addColumn<QString>("typed");
-    QTest::addColumn<int>("key");
-    QTest::addColumn<int>("expected");  // frame shown, 0 = refused
-    QTest::newRow("return") << "3" << int(Qt::Key_Return) << 3;
-    QTest::newRow("enter") << "5" << int(Qt::Key_Enter) << 5;
-    QTest::newRow("zero") << "0" << int(Qt::Key_Return) << 0;
-    QTest::newRow("empty") << "" << int(Qt::Key_Enter) << 0;
-}
-
-void PlayerTest::spinBoxReturn()
-{
-    QFETCH(QString, typed);
-    QFETCH(int, key);
-    QFETCH(int, expected);
-    player->loadFrames("Tern", numberedFrames(5));
-    click("btn_next");
-    click("btn_next");  // at frame 2
-    spy->clear();
-    auto* spin = child<QSpinBox>("spinBox_progress");
-    auto* edit = spin->findChild<QLineEdit*>();
-    edit->clear();
-    QTest::keyClicks(edit, typed);
-    QTest::keyClick(edit, Qt::Key(key));
-
-    const int now = expected ? expected : 2;
-    QCOMPARE(shown(*spy), expected ? QList<int>{expected} : QList<int>{});
-    QCOMPARE(messages, expected ? QStringList{}
-                                : QStringList{"information: There is an error in the input. Please enter it again"});
-    QCOMPARE(QList<int>({player->currentPosition(), child<QSlider>("horizontalSlider")->value(), spin->text().toInt()}),
-             QList<int>({now, now, now}));
 }
 
 void PlayerTest::openRefused_data()
@@ -238,38 +195,6 @@ void PlayerTest::openRefused()
     session->connected = 0;
     QCOMPARE(messages.join(""), live ? "information: Please disconnect first!" : "information: Unable to parse this file");
     QVERIFY(!player->isLoaded() && spy->isEmpty());
-
-    // Still usable: a good recording opens afterwards (the registry may add a
-    // turn left over from an earlier file).
-    messages.clear();
-    pathToOpen = dir.filePath("good.txt");
-    QVERIFY(writeRecording(pathToOpen, QVector<QByteArray>{"Tern"} + testing::ternRevolutions(4)));
-    click("btn_open_file");
-    QVERIFY2(messages.isEmpty() && player->isLoaded() && spy->size() == 1, qPrintable(messages.join('\n')));
-    QVERIFY(player->frameCount() == 3 || player->frameCount() == 4);
-}
-
-void PlayerTest::drops_data()
-{
-    QTest::addColumn<QString>("urls");  // space-separated
-    QTest::addColumn<bool>("accepted");
-    QTest::addColumn<QString>("path");
-    QTest::newRow("recording") << "file:///tmp/my%20rec.txt" << true << "/tmp/my rec.txt";
-    QTest::newRow("first counts") << "file:///tmp/a.txt file:///tmp/b.csv" << true << "/tmp/a.txt";
-    QTest::newRow("first not txt") << "file:///tmp/a.csv file:///tmp/b.txt" << false << "/tmp/a.csv";
-    QTest::newRow("upper case") << "file:///tmp/REC.TXT" << false << "/tmp/REC.TXT";
-    QTest::newRow("nothing") << "" << false << "";
-}
-
-void PlayerTest::drops()
-{
-    QFETCH(QString, urls);
-    QFETCH(bool, accepted);
-    QFETCH(QString, path);
-    QMimeData data;
-    data.setUrls(QUrl::fromStringList(urls.split(' ', Qt::SkipEmptyParts)));
-    QCOMPARE(offline::isAcceptableDrag(&data), accepted);
-    QCOMPARE(offline::droppedFilePath(&data), path);
 }
 
 QTEST_MAIN(PlayerTest)

@@ -18,8 +18,10 @@
 #include <QTemporaryDir>
 #include <QTextStream>
 #include <QtTest>
+#include <algorithm>
 #include <cmath>
 #include <memory>
+#include <tuple>
 #include <pcl/point_cloud.h>
 #include <pcl/point_types.h>
 #include <pcl/visualization/pcl_visualizer.h>
@@ -50,7 +52,6 @@ public:
     }
     ~ScratchWorkingDir() { QDir::setCurrent(m_previous); }
 
-    bool hasTranslation() const { return QFile::exists(m_dir.filePath(QStringLiteral("scandeck_zh.qm"))); }
     QString settingsText() const
     {
         QFile ini(m_dir.filePath(QStringLiteral("ini/connect_type.ini")));
@@ -63,27 +64,18 @@ private:
     QTemporaryDir m_dir;
 };
 
-// Records every message box and answers it (No to questions unless told).
+// Records every message box as "title: text" and answers it (No to questions).
 class MessageRecorder {
 public:
     MessageRecorder()
     {
         m_previous = usermessages::setHandler([this](QWidget*, const UserMessage& m) {
-            messages.append(m);
-            return m.kind == UserMessage::Question ? answer : QMessageBox::Ok;
+            texts << m.title + ": " + m.text;
+            return m.kind == UserMessage::Question ? QMessageBox::No : QMessageBox::Ok;
         });
     }
     ~MessageRecorder() { usermessages::setHandler(m_previous); }
-    QStringList texts() const
-    {
-        QStringList all;
-        for (const UserMessage& m : messages)
-            all << m.title + ": " + m.text;
-        return all;
-    }
-
-    QList<UserMessage> messages;
-    QMessageBox::StandardButton answer = QMessageBox::No;
+    QStringList texts;
 
 private:
     usermessages::Handler m_previous;
@@ -121,29 +113,19 @@ inline Frame ringFrame(int n)
     return frame;
 }
 
-inline int pointCount(const Frame& frame)
-{
-    int n = 0;
-    for (const auto& line : frame.points)
-        n += line.size();
-    return n;
-}
-
 // Same points, value for value, under the same IDs.
 inline bool sameFrame(const Frame& a, const Frame& b)
 {
+    const auto same = [](const lidar::LidarPoint& p, const lidar::LidarPoint& q) {
+        return std::tie(p.x, p.y, p.z, p.azimuth, p.distance, p.intensity, p.timestamp)
+               == std::tie(q.x, q.y, q.z, q.azimuth, q.distance, q.intensity, q.timestamp);
+    };
     if (a.points.keys() != b.points.keys())
         return false;
     for (auto it = a.points.cbegin(); it != a.points.cend(); ++it) {
-        const auto& pb = b.points.value(it.key());
-        if (it.value().size() != pb.size())
+        const auto& other = b.points[it.key()];
+        if (!std::equal(it.value().begin(), it.value().end(), other.begin(), other.end(), same))
             return false;
-        for (int i = 0; i < pb.size(); ++i) {
-            const lidar::LidarPoint &p = it.value()[i], &q = pb[i];
-            if (p.x != q.x || p.y != q.y || p.z != q.z || p.azimuth != q.azimuth || p.distance != q.distance
-                || p.intensity != q.intensity || p.timestamp != q.timestamp)
-                return false;
-        }
     }
     return true;
 }
@@ -175,6 +157,11 @@ inline void click(QWidget* window, const char* name)
     auto* button = control<QAbstractButton>(window, name);
     QVERIFY2(button, name);
     button->click();
+}
+
+inline void clickPlayer(QWidget* player, const char* name)
+{
+    player->findChild<QAbstractButton*>(QLatin1String(name))->click();
 }
 
 // The live controls and whether each is enabled ("+") or not ("-").

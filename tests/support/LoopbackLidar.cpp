@@ -67,20 +67,17 @@ PseudoTerminal::PseudoTerminal()
 
 PseudoTerminal::~PseudoTerminal()
 {
-    if (slave_ >= 0)
-        ::close(slave_);
-    if (master_ >= 0)
-        ::close(master_);
+    ::close(slave_);  // -1 when openpty failed: a harmless EBADF
+    ::close(master_);
 }
 
 bool PseudoTerminal::write(const QByteArray& bytes)
 {
-    int done = 0;
-    while (done < bytes.size()) {
+    for (int done = 0; done < bytes.size();) {
         const ssize_t n = ::write(master_, bytes.constData() + done, size_t(bytes.size() - done));
         if (n < 0)
             return false;
-        done += n;
+        done += int(n);
     }
     return true;
 }
@@ -89,12 +86,8 @@ QByteArray PseudoTerminal::readAvailable()
 {
     QByteArray out;
     char chunk[4096];
-    for (;;) {
-        const ssize_t n = ::read(master_, chunk, sizeof chunk);
-        if (n <= 0)
-            break;
+    for (ssize_t n; (n = ::read(master_, chunk, sizeof chunk)) > 0;)
         out.append(chunk, int(n));
-    }
     return out;
 }
 

@@ -1,8 +1,67 @@
 #include "PacketBuilders.h"
 
 #include <QDateTime>
+#include <algorithm>
+#include <numeric>
 
 namespace testing {
+
+namespace {
+
+// A packet of `size` bytes filled with `fill`, A5 5A first and FA FB last.
+QByteArray framed(int size, char fill = '\0')
+{
+    QByteArray p(size, fill);
+    p[0] = char(0xA5);
+    p[1] = char(0x5A);
+    p[size - 2] = char(0xFA);
+    p[size - 1] = char(0xFB);
+    return p;
+}
+
+// A parameters reply: the six date and version bytes from `versionOffset`,
+// the filter code at 181.
+QByteArray reply(int size, int versionOffset, std::initializer_list<uint8_t> dateVersion, uint8_t filterCode)
+{
+    QByteArray p = framed(size);
+    std::copy(dateVersion.begin(), dateVersion.end(), p.begin() + versionOffset);
+    p[181] = char(filterCode);
+    return p;
+}
+
+// Starts a Wren packet; its last bytes are the end angle and the checksum.
+QByteArray wrenPacket(int size, uint8_t type, uint16_t period, uint16_t start, uint16_t end)
+{
+    QByteArray p = framed(size);
+    p[2] = char(type);
+    putBe16(p, 3, period);
+    putBe16(p, 5, start);
+    putBe16(p, size - 3, end);
+    return p;
+}
+
+void putStamp(QByteArray& p, int offset, const GpsStamp& s)
+{
+    const int calendar[] = {s.year - 2000, s.month, s.day, s.hour, s.minute, s.second};
+    for (int i = 0; i < 6; ++i)
+        p[offset + i] = char(calendar[i]);
+    putBe16(p, offset + 6, uint16_t(s.millisecond));
+    putBe16(p, offset + 8, uint16_t(s.microsecond));
+}
+
+// Distance words with high bytes 03..05 or 83..85 (every third word has the
+// flag bit), so that no A5 5A or FA FB can appear across them.
+QVector<uint16_t> variedWords(int packet, int count)
+{
+    QVector<uint16_t> words(count);
+    for (int i = 0; i < count; ++i) {
+        const uint16_t base = uint16_t(0x0300 + (packet * 7 + i * 13) % 0x300);
+        words[i] = (i % 3 == 2) ? uint16_t(base | 0x8000) : base;
+    }
+    return words;
+}
+
+}  // namespace
 
 void putBe16(QByteArray& packet, int offset, uint16_t value)
 {
@@ -12,15 +71,11 @@ void putBe16(QByteArray& packet, int offset, uint16_t value)
 
 QByteArray ternPacket(uint16_t start, uint16_t period, const QVector<uint16_t>& words)
 {
-    QByteArray p(92, char(0xFF));
-    p[0] = char(0xA5);
-    p[1] = char(0x5A);
+    QByteArray p = framed(92, char(0xFF));
     putBe16(p, 2, start);
     putBe16(p, 4, period);
     for (int i = 0; i < words.size() && i < 42; ++i)
         putBe16(p, 6 + 2 * i, words[i]);
-    p[90] = char(0xFA);
-    p[91] = char(0xFB);
     return p;
 }
 
@@ -31,16 +86,7 @@ QByteArray ternPacketFilled(uint16_t start, uint16_t period, uint16_t word)
 
 QByteArray ternReply(std::initializer_list<uint8_t> dateVersion, uint8_t filterCode)
 {
-    QByteArray p(186, '\0');
-    p[0] = char(0xA5);
-    p[1] = char(0x5A);
-    int i = 175;
-    for (uint8_t b : dateVersion)
-        p[i++] = char(b);
-    p[181] = char(filterCode);
-    p[184] = char(0xFA);
-    p[185] = char(0xFB);
-    return p;
+    return reply(186, 175, dateVersion, filterCode);
 }
 
 QVector<QByteArray> ternRevolutions(int revolutions, uint16_t word, uint16_t firstStart)
@@ -55,18 +101,9 @@ QVector<QByteArray> ternRevolutions(int revolutions, uint16_t word, uint16_t fir
 GpsStamp GpsStamp::later(qint64 microseconds) const
 {
     const qint64 totalUs = qint64(millisecond) * 1000 + microsecond + microseconds;
-    const QDateTime start(QDate(year, month, day), QTime(hour, minute, second), Qt::UTC);
-    const QDateTime moved = start.addMSecs(totalUs / 1000);
-    GpsStamp s;
-    s.year = moved.date().year();
-    s.month = moved.date().month();
-    s.day = moved.date().day();
-    s.hour = moved.time().hour();
-    s.minute = moved.time().minute();
-    s.second = moved.time().second();
-    s.millisecond = moved.time().msec();
-    s.microsecond = int(totalUs % 1000);
-    return s;
+    const QDateTime t = QDateTime(QDate(year, month, day), QTime(hour, minute, second), Qt::UTC).addMSecs(totalUs / 1000);
+    return {t.date().year(), t.date().month(), t.date().day(), t.time().hour(), t.time().minute(), t.time().second(),
+            t.time().msec(), int(totalUs % 1000)};
 }
 
 quint64 GpsStamp::packetTimeNs() const
@@ -75,39 +112,9 @@ quint64 GpsStamp::packetTimeNs() const
     return quint64(double(t.toSecsSinceEpoch()) * 1e9 + millisecond * 1e6 + microsecond * 1e3);
 }
 
-void putStamp(QByteArray& p, int offset, const GpsStamp& s)
-{
-    p[offset] = char(s.year - 2000);
-    p[offset + 1] = char(s.month);
-    p[offset + 2] = char(s.day);
-    p[offset + 3] = char(s.hour);
-    p[offset + 4] = char(s.minute);
-    p[offset + 5] = char(s.second);
-    putBe16(p, offset + 6, uint16_t(s.millisecond));
-    putBe16(p, offset + 8, uint16_t(s.microsecond));
-}
-
-namespace {
-
-QByteArray framed(int size)
-{
-    QByteArray p(size, '\0');
-    p[0] = char(0xA5);
-    p[1] = char(0x5A);
-    p[size - 2] = char(0xFA);
-    p[size - 1] = char(0xFB);
-    return p;
-}
-
-}  // namespace
-
 QByteArray ternGpsPacket(uint16_t start, uint16_t period, const QVector<uint16_t>& words, const GpsStamp& stamp)
 {
-    QByteArray p = framed(102);
-    putBe16(p, 2, start);
-    putBe16(p, 4, period);
-    for (int i = 0; i < 42; ++i)
-        putBe16(p, 6 + 2 * i, i < words.size() ? words[i] : 0xFFFF);
+    QByteArray p = ternPacket(start, period, words).insert(90, QByteArray(10, '\0'));
     putStamp(p, 90, stamp);
     return p;
 }
@@ -127,37 +134,14 @@ QByteArray ternLengthPacket(uint16_t start, uint16_t period, const QVector<uint1
 
 QByteArray ternLongReply(int versionOffset, std::initializer_list<uint8_t> dateVersion, uint8_t filterCode)
 {
-    QByteArray p = framed(188);
-    int i = versionOffset;
-    for (uint8_t b : dateVersion)
-        p[i++] = char(b);
-    p[181] = char(filterCode);
-    return p;
+    return reply(188, versionOffset, dateVersion, filterCode);
 }
 
 void sealChecksum(QByteArray& packet)
 {
-    uint8_t sum = 0;
-    for (int i = 0; i < packet.size() - 1; ++i)
-        sum = uint8_t(sum + uint8_t(packet[i]));
-    packet[packet.size() - 1] = char(sum);
+    // Summing signed or unsigned bytes gives the same value modulo 256.
+    packet[packet.size() - 1] = char(std::accumulate(packet.cbegin(), packet.cend() - 1, 0));
 }
-
-namespace {
-
-QByteArray wrenPacket(int size, uint8_t type, uint16_t period, uint16_t start, uint16_t end)
-{
-    QByteArray p(size, '\0');
-    p[0] = char(0xA5);
-    p[1] = char(0x5A);
-    p[2] = char(type);
-    putBe16(p, 3, period);
-    putBe16(p, 5, start);
-    putBe16(p, size - 3, end);
-    return p;
-}
-
-}  // namespace
 
 QByteArray wrenPlusPacket(uint16_t period, uint16_t start, uint16_t end, const QVector<WrenPlusGroup>& groups,
                           uint16_t ambient)
@@ -205,32 +189,14 @@ QByteArray commandBytes(uint8_t commandClass, uint8_t code, uint8_t parameter,
     return p;
 }
 
-namespace {
-
-// Distance words with high bytes 03..05 or 83..85 (every third word has the
-// flag bit), so that no A5 5A or FA FB can appear across them.
-QVector<uint16_t> variedWords(int packet, int count)
-{
-    QVector<uint16_t> words(count);
-    for (int i = 0; i < count; ++i) {
-        const uint16_t base = uint16_t(0x0300 + (packet * 7 + i * 13) % 0x300);
-        words[i] = (i % 3 == 2) ? uint16_t(base | 0x8000) : base;
-    }
-    return words;
-}
-
-}  // namespace
-
 QVector<QByteArray> revolutionPackets(const QString& model, int revolutions)
 {
     const uint16_t period = 4167;  // 600 r/min
-    const GpsStamp origin;
     QVector<QByteArray> packets;
-    const int count = revolutions * 24 + 1;
-    for (int k = 0; k < count; ++k) {
+    for (int k = 0; k < revolutions * 24 + 1; ++k) {
         const uint16_t start = uint16_t((500 + k * 1500) % 36000);
         const uint16_t end = uint16_t((start + 1400) % 36000);
-        const GpsStamp stamp = origin.later(qint64(k) * 4167);
+        const GpsStamp stamp = GpsStamp().later(qint64(k) * 4167);
         if (model == QLatin1String("Tern")) {
             packets.append(ternPacket(start, period, variedWords(k, 42)));
         } else if (model == QLatin1String("Tern_GPS")) {
@@ -239,11 +205,10 @@ QVector<QByteArray> revolutionPackets(const QString& model, int revolutions)
             packets.append(ternLengthPacket(start, period, variedWords(k, 48), stamp));
         } else if (model == QLatin1String("Wren_Plus")) {
             QVector<WrenPlusGroup> groups(16);
-            for (int g = 0; g < 16; ++g) {
-                // Channel 1 measures nothing at each packet's first azimuth.
+            // Channel 1 measures nothing at each packet's first azimuth.
+            for (int g = 0; g < 16; ++g)
                 groups[g] = {uint16_t(2000 + (k * 16 + g) % 1000), uint8_t(g * 3),
                              uint16_t(g == 0 ? 0 : 3000 + (k * 5 + g) % 700), uint8_t(100 + g)};
-            }
             packets.append(wrenPlusPacket(period, start, end, groups, uint16_t(50 + k % 20)));
         } else if (model == QLatin1String("Wren_Kite")) {
             QVector<WrenKiteGroup> groups(16);

@@ -36,9 +36,6 @@ struct GpsStamp {
     // precision (so to within about 256 ns), the calendar read as UTC.
     quint64 packetTimeNs() const;
 };
-// Writes the eight calendar bytes: year - 2000, month, day, hour, minute,
-// second, 16-bit millisecond and microsecond.
-void putStamp(QByteArray& packet, int offset, const GpsStamp& stamp);
 
 // A 102-byte Tern_GPS data packet (missing words are 0xFFFF).
 QByteArray ternGpsPacket(uint16_t startCentidegrees, uint16_t period, const QVector<uint16_t>& words,
