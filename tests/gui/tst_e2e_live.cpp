@@ -3,6 +3,7 @@
 // played back against what was shown live, the automatic connection
 // (failed, cancelled, found), and the demo mode in the window and as the program itself.
 
+#include "AutoConnector.h"
 #include "DemoLidar.h"
 #include "OffinePlayWidget.h"
 #include "tst_scandeck_support.h"
@@ -26,6 +27,21 @@ int framesSeen(const FrameCollector& collector)
     return collector.frames.size();
 }
 
+// Logs each attempt of the automatic connection and refuses it.
+struct AttemptLog : IConnectLiDAR {
+    QStringList attempts;
+    bool ConnectNetworkLidar(const QString& model, const NetworkParam& p) override
+    {
+        attempts << QStringLiteral("net %1 %2").arg(model).arg(p.lidarPort);
+        return false;
+    }
+    bool ConnectSerialLidar(const QString& model, const SerialPortParam& p) override
+    {
+        attempts << QStringLiteral("serial %1 %2 %3").arg(model, p.portName).arg(p.baudRate);
+        return false;
+    }
+};
+
 }  // namespace
 
 class LiveEndToEndTest : public QObject {
@@ -35,6 +51,7 @@ private slots:
 
     void connectRecordDisconnect_data();
     void connectRecordDisconnect();
+    void autoConnectTriesEveryModelAndPortTwice();
     void autoConnectFailsIsCancelledAndFinds();
     void demoMode();
 };
@@ -213,6 +230,24 @@ void LiveEndToEndTest::demoMode()
     QCOMPARE(viewer.exitStatus(), QProcess::NormalExit);
     QCOMPARE(viewer.exitCode(), 0);
 }
+
+void LiveEndToEndTest::autoConnectTriesEveryModelAndPortTwice()
+{
+    QWidget parent;
+    AutoConnectPlan plan;
+    plan.network.lidarIp = plan.network.dataIp = QStringLiteral("127.0.0.1");
+    plan.baudRates = {{QStringLiteral("Wren_Plus"), 460800}, {QStringLiteral("Tern"), 230400}};
+    AttemptLog log;
+    int listings = 0;
+    AutoConnector connector(log, [&listings] { return ++listings, QStringList{"ttyA", "ttyB"}; });
+    QCOMPARE(connector.run(plan, &parent), AutoConnector::Outcome::Failed);
+    // Models in name order, the network first, then each port; two passes.
+    const QStringList onePass{"net Tern 2369", "serial Tern ttyA 230400", "serial Tern ttyB 230400",
+                              "net Wren_Plus 2369", "serial Wren_Plus ttyA 460800", "serial Wren_Plus ttyB 460800"};
+    QCOMPARE(log.attempts, onePass + onePass);
+    QVERIFY(listings >= 2);  // the ports are listed afresh on each pass
+}
+
 
 SCANDECK_TEST_MAIN(LiveEndToEndTest)
 #include "tst_e2e_live.moc"
