@@ -17,19 +17,12 @@
 // (truncated), so its revolution test can differ from the live one near the
 // 15-degree threshold. 188-byte replies and commands: WrenProtocol.h.
 
-#include "LidarAnalysis.h"
-#include "DecodeCommon.h"
+#include "WrenSession.h"
 
-class Wren_Kite : public LidarAnalysis {
+class Wren_Kite : public lidar::wren::WrenSession<Wren_Kite> {
     Q_OBJECT
 public:
     Q_INVOKABLE explicit Wren_Kite(QObject* parent = nullptr);
-
-    void ParseLidarData() override;
-    QByteArray ReadParamCommand() override;
-    void SetMotorFrequency(quint8 code) override;
-    void SetDeviceParam(quint8 value) override;
-    void SetLidarFilter(int mode) override;
 
     // Every element is taken as a data packet; no header, type or checksum test.
     static QVector<lidar::LidarDataPoint_V4> ParseRecordedPackets(const QVector<QByteArray>& packets);
@@ -42,9 +35,4 @@ public:
 
     // Live state shared by every Wren_Kite session.
     static double previousAzimuth;
-    static int deviceParamAttempts;  // program-wide, never reset
-    static int filterAttempts;       // program-wide, never reset
-
-private:
-    lidar::decode::DecodedPacket decoded_;
 };

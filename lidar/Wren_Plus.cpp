@@ -6,10 +6,8 @@ using namespace lidar::decode;
 namespace wren = lidar::wren;
 
 float Wren_Plus::previousAzimuth = -1.0f;
-int Wren_Plus::deviceParamAttempts = 0;
-int Wren_Plus::filterAttempts = 0;
 
-Wren_Plus::Wren_Plus(QObject* parent) : LidarAnalysis(parent) {}
+Wren_Plus::Wren_Plus(QObject* parent) : WrenSession(parent) {}
 
 void Wren_Plus::DecodePacket(const QByteArray& packet, DecodedPacket& out)
 {
@@ -30,47 +28,8 @@ void Wren_Plus::DecodePacket(const QByteArray& packet, DecodedPacket& out)
     }
 }
 
-void Wren_Plus::ParseLidarData()
-{
-    wren::parseStream(
-        receiveBuffer, kPacketSize, kPacketType,
-        [this](const QByteArray& packet) {
-            recordPacket(packet);
-            DecodePacket(packet, decoded_);
-            placePoints<float>(decoded_, currentFrame, lastFrame, previousAzimuth, [this] { finishFrame(); });
-        },
-        [this](const QByteArray& reply) {
-            replyReceived = 1;
-            wren::decodeReply(reply, param);
-            SetMotorFrequency(param.frequency);
-        });
-}
-
 QVector<lidar::LidarDataPoint_V4> Wren_Plus::ParseRecordedPackets(const QVector<QByteArray>& packets)
 {
     static OfflineFrames<float> frames;
     return wren::parseRecorded<float>(packets, kPacketSize, DecodePacket, frames);
-}
-
-QByteArray Wren_Plus::ReadParamCommand()
-{
-    return wren::readParamCommand(param.frequency);
-}
-
-void Wren_Plus::SetMotorFrequency(quint8 code)
-{
-    param.frequency = code;
-    sendTwice(wren::setFrequencyCommand(code));
-}
-
-void Wren_Plus::SetDeviceParam(quint8 value)
-{
-    sendWithRetries(wren::setDeviceParamCommand(value), deviceParamAttempts);
-    SetMotorFrequency(param.frequency);
-}
-
-void Wren_Plus::SetLidarFilter(int mode)
-{
-    sendWithRetries(wren::setFilterCommand(mode, param.frequency), filterAttempts);
-    SetMotorFrequency(param.frequency);
 }

@@ -18,19 +18,12 @@
 // measurement and makes no point, but its group still takes part in finding
 // the end of a revolution. 188-byte replies and commands: WrenProtocol.h.
 
-#include "LidarAnalysis.h"
-#include "DecodeCommon.h"
+#include "WrenSession.h"
 
-class Wren_Plus : public LidarAnalysis {
+class Wren_Plus : public lidar::wren::WrenSession<Wren_Plus> {
     Q_OBJECT
 public:
     Q_INVOKABLE explicit Wren_Plus(QObject* parent = nullptr);
-
-    void ParseLidarData() override;
-    QByteArray ReadParamCommand() override;
-    void SetMotorFrequency(quint8 code) override;
-    void SetDeviceParam(quint8 value) override;
-    void SetLidarFilter(int mode) override;
 
     // Every element is taken as a data packet; no header, type or checksum test.
     static QVector<lidar::LidarDataPoint_V4> ParseRecordedPackets(const QVector<QByteArray>& packets);
@@ -43,9 +36,4 @@ public:
 
     // Live state shared by every Wren_Plus session.
     static float previousAzimuth;
-    static int deviceParamAttempts;  // program-wide, never reset
-    static int filterAttempts;       // program-wide, never reset
-
-private:
-    lidar::decode::DecodedPacket decoded_;
 };
