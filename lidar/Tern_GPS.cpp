@@ -7,9 +7,8 @@ namespace tern = lidar::tern;
 
 float Tern_GPS::previousAzimuth = -1.0f;
 tern::PacketClock Tern_GPS::packetClock;
-int Tern_GPS::filterAttempts = 0;
 
-Tern_GPS::Tern_GPS(QObject* parent) : LidarAnalysis(parent) {}
+Tern_GPS::Tern_GPS(QObject* parent) : GpsSession(parent) {}
 
 tern::CalendarTime Tern_GPS::DecodePacket(const QByteArray& packet, DecodedPacket& out)
 {
@@ -51,21 +50,4 @@ QVector<lidar::LidarDataPoint_V4> Tern_GPS::ParseRecordedPackets(const QVector<Q
             frames.place<float>(decoded, result);
         });
     return result;
-}
-
-QByteArray Tern_GPS::ReadParamCommand()
-{
-    return tern::readParamCommand(tern::kClass55, param.frequency);
-}
-
-void Tern_GPS::SetMotorFrequency(quint8 frequency)
-{
-    param.frequency = frequency;
-    sendTwice(tern::setFrequencyCommand(frequency));
-}
-
-void Tern_GPS::SetLidarFilter(int mode)
-{
-    sendWithRetries(tern::setFilterCommand(tern::kClass01, mode, param.frequency), filterAttempts);
-    SetMotorFrequency(param.frequency);
 }

@@ -17,19 +17,16 @@
 // The parameters reply is 188 bytes: date and version at 175..180 (signed
 // bytes), filter code at 181. Every data packet is reported as a GPS time.
 
-#include "LidarAnalysis.h"
+#include "TernGpsSession.h"
 #include "DecodeCommon.h"
 #include "TernProtocol.h"
 
-class Tern_GPS : public LidarAnalysis {
+class Tern_GPS : public lidar::tern::GpsSession<Tern_GPS> {
     Q_OBJECT
 public:
     Q_INVOKABLE explicit Tern_GPS(QObject* parent = nullptr);
 
     void ParseLidarData() override;
-    QByteArray ReadParamCommand() override;
-    void SetMotorFrequency(quint8 frequency) override;
-    void SetLidarFilter(int mode) override;
 
     static QVector<lidar::LidarDataPoint_V4> ParseRecordedPackets(const QVector<QByteArray>& packets);
 
@@ -44,7 +41,6 @@ public:
     // Live state shared by every Tern_GPS session.
     static float previousAzimuth;
     static lidar::tern::PacketClock packetClock;
-    static int filterAttempts;  // program-wide, never reset
 
 private:
     lidar::decode::DecodedPacket decoded_;

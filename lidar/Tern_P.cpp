@@ -5,9 +5,8 @@ namespace tern = lidar::tern;
 
 float Tern_P::previousAzimuth = -1.0f;
 tern::PacketClock Tern_P::packetClock;
-int Tern_P::filterAttempts = 0;
 
-Tern_P::Tern_P(QObject* parent) : LidarAnalysis(parent) {}
+Tern_P::Tern_P(QObject* parent) : GpsSession(parent) {}
 
 tern::CalendarTime Tern_P::DecodePacket(const QByteArray& packet, uint32_t version, DecodedPacket& out)
 {
@@ -58,21 +57,4 @@ QVector<lidar::LidarDataPoint_V4> Tern_P::ParseRecordedPackets(const QVector<QBy
         frames.place<float>(decoded, result);
     });
     return result;
-}
-
-QByteArray Tern_P::ReadParamCommand()
-{
-    return tern::readParamCommand(tern::kClass55, param.frequency);
-}
-
-void Tern_P::SetMotorFrequency(quint8 frequency)
-{
-    param.frequency = frequency;
-    sendTwice(tern::setFrequencyCommand(frequency));
-}
-
-void Tern_P::SetLidarFilter(int mode)
-{
-    sendWithRetries(tern::setFilterCommand(tern::kClass01, mode, param.frequency), filterAttempts);
-    SetMotorFrequency(param.frequency);
 }

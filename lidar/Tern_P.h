@@ -22,19 +22,16 @@
 // The parameters reply is 188 bytes: date and version at 173..178 (signed
 // bytes), filter code at 181. A recording carries V as its first element.
 
-#include "LidarAnalysis.h"
+#include "TernGpsSession.h"
 #include "DecodeCommon.h"
 #include "TernProtocol.h"
 
-class Tern_P : public LidarAnalysis {
+class Tern_P : public lidar::tern::GpsSession<Tern_P> {
     Q_OBJECT
 public:
     Q_INVOKABLE explicit Tern_P(QObject* parent = nullptr);
 
     void ParseLidarData() override;
-    QByteArray ReadParamCommand() override;
-    void SetMotorFrequency(quint8 frequency) override;
-    void SetLidarFilter(int mode) override;
 
     // The first element is the firmware version number as decimal text.
     static QVector<lidar::LidarDataPoint_V4> ParseRecordedPackets(const QVector<QByteArray>& elements);
@@ -54,7 +51,6 @@ public:
     // Live state shared by every Tern_P session.
     static float previousAzimuth;
     static lidar::tern::PacketClock packetClock;
-    static int filterAttempts;  // program-wide, never reset
 
 private:
     lidar::decode::DecodedPacket decoded_;

@@ -7,9 +7,8 @@ namespace tern = lidar::tern;
 
 float Tern_Plus::previousAzimuth = -1.0f;
 tern::PacketClock Tern_Plus::packetClock;
-int Tern_Plus::filterAttempts = 0;
 
-Tern_Plus::Tern_Plus(QObject* parent) : LidarAnalysis(parent) {}
+Tern_Plus::Tern_Plus(QObject* parent) : GpsSession(parent) {}
 
 tern::CalendarTime Tern_Plus::DecodePacket(const QByteArray& packet, DecodedPacket& out)
 {
@@ -56,17 +55,6 @@ QVector<lidar::LidarDataPoint_V4> Tern_Plus::ParseRecordedPackets(const QVector<
     return result;
 }
 
-QByteArray Tern_Plus::ReadParamCommand()
-{
-    return tern::readParamCommand(tern::kClass55, param.frequency);
-}
-
-void Tern_Plus::SetMotorFrequency(quint8 frequency)
-{
-    param.frequency = frequency;
-    sendTwice(tern::setFrequencyCommand(frequency));
-}
-
 QByteArray Tern_Plus::DeviceParamCommand(signed char value)
 {
     // Sign-extended, the product taken modulo 65536.
@@ -78,11 +66,5 @@ void Tern_Plus::SetDeviceParam(quint8 value)
 {
     emit SendDataToLidarSignal(DeviceParamCommand(static_cast<signed char>(value)));
     QThread::msleep(100);
-    SetMotorFrequency(param.frequency);
-}
-
-void Tern_Plus::SetLidarFilter(int mode)
-{
-    sendWithRetries(tern::setFilterCommand(tern::kClass01, mode, param.frequency), filterAttempts);
     SetMotorFrequency(param.frequency);
 }

@@ -20,21 +20,18 @@
 // The parameters reply is 188 bytes: date and version at 173..178 (signed
 // bytes), motor speed setting * 60 at 141..142, filter code at 181.
 
-#include "LidarAnalysis.h"
+#include "TernGpsSession.h"
 #include "DecodeCommon.h"
 #include "TernProtocol.h"
 
-class Tern_Plus : public LidarAnalysis {
+class Tern_Plus : public lidar::tern::GpsSession<Tern_Plus> {
     Q_OBJECT
 public:
     Q_INVOKABLE explicit Tern_Plus(QObject* parent = nullptr);
 
     void ParseLidarData() override;
-    QByteArray ReadParamCommand() override;
-    void SetMotorFrequency(quint8 frequency) override;
     // The byte is the motor speed setting as a signed char.
     void SetDeviceParam(quint8 value) override;
-    void SetLidarFilter(int mode) override;
 
     static QVector<lidar::LidarDataPoint_V4> ParseRecordedPackets(const QVector<QByteArray>& packets);
 
@@ -52,7 +49,6 @@ public:
     // Live state shared by every Tern_Plus session.
     static float previousAzimuth;
     static lidar::tern::PacketClock packetClock;
-    static int filterAttempts;  // program-wide, never reset
 
 private:
     lidar::decode::DecodedPacket decoded_;
