@@ -29,6 +29,17 @@ void removeAll(pcl::visualization::PCLVisualizer& viewer, QStringList& ids)
     ids.clear();
 }
 
+// Translucent actors would send every frame's render through the
+// order-independent transparency passes, which on software OpenGL cost more
+// than the whole frame cloud. The overlays are drawn before the clouds (the
+// clouds are re-added every frame), so in the opaque pass their opacity
+// still blends them over the background as intended.
+void forceOpaque(pcl::visualization::PCLVisualizer& viewer, const std::string& id)
+{
+    if (auto* actor = vtkActor::SafeDownCast(viewer.getShapeActorMap()->at(id)))
+        actor->ForceOpaqueOn();
+}
+
 void addLabels(pcl::visualization::PCLVisualizer& viewer, const std::vector<overlay::Label>& labels,
                const Colour& c, QStringList& ids)
 {
@@ -58,6 +69,9 @@ void OverlayPainter::redrawGrid(IGridPolar& state, int count)
         const pcl::PointXYZ to(line.to[0], line.to[1], line.to[2]);
         m_viewer.addLine(from, to, c.r, c.g, c.b, id, 0);
         m_viewer.setShapeRenderingProperties(pcl::visualization::PCL_VISUALIZER_OPACITY, 0.5, id, 0);
+        forceOpaque(m_viewer, id);
+        if (auto* actor = vtkActor::SafeDownCast(m_viewer.getShapeActorMap()->at(id)))
+            actor->ForceOpaqueOn();
         state.gridLineIds << line.id;
     }
     addLabels(m_viewer, overlay::gridLabels(count, state.gridStep), c, state.gridLabelIds);
@@ -86,6 +100,8 @@ void OverlayPainter::redrawPolar(IGridPolar& state, int count)
         ring->GetProperty()->SetColor(c.r, c.g, c.b);
         ring->GetProperty()->SetOpacity(0.25);
         ring->GetProperty()->SetRepresentationToWireframe();
+        ring->ForceOpaqueOn();
+        ring->ForceOpaqueOn();
         renderer->AddActor(ring);
         m_polarRings.push_back(ring);
     }
