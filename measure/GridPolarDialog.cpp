@@ -45,8 +45,7 @@ GridPolarDialog::GridPolarDialog(IGridPolar* owner, QWidget* parent)
     connect(ui->spinBox_all, QOverload<int>::of(&QSpinBox::valueChanged), ui->horizontalSlider_all,
             &QSlider::setValue);
 
-    adjustSize();
-    setFixedSize(size());
+    setFixedSize(size());  // the form's own size
 }
 
 GridPolarDialog::~GridPolarDialog()
