@@ -1,9 +1,11 @@
 #include "ScanDeck.h"
 
 #include "AboutDialog.h"
+#include "DeviceSettingsPanel.h"
 #include "IniSettings.h"
 #include "LIdarFactory.h"
 #include "LidarAnalysis.h"
+#include "NetworkToolLauncher.h"
 #include "OffinePlayWidget.h"
 #include "OfflineDrop.h"
 #include "PointTableRow.h"
@@ -117,6 +119,10 @@ void ScanDeck::initUi()
 
     initViewer();
     ui->openGLWidget->setAcceptDrops(true);
+
+    m_devicePanel = new DeviceSettingsPanel(
+        {ui->btn_motor_state, ui->comboBox_motor_filter, ui->comboBox_motor_frequency, ui->btn_GPS_test}, this);
+    m_networkTool = new NetworkToolLauncher(this);
 
     // Nothing is connected yet: only the connect buttons are live.
     applyLiveState(false);
