@@ -155,7 +155,7 @@ void DeviceEndToEndTest::panelDrivesTheLidar()
     language->setCurrentIndex(0);
     QCOMPARE(filter->itemText(0), QString::fromUtf8("正常滤波"));
     QCOMPARE(frequency->currentText(), QStringLiteral("15"));  // as the lidar now reports it
-    QCOMPARE(gps->windowTitle(), QString::fromUtf8("GPS 测试"));
+    QTRY_COMPARE_WITH_TIMEOUT(gps->windowTitle(), QString::fromUtf8("GPS 测试"), 2000);  // told by a posted event
     language->setCurrentIndex(1);
     QCOMPARE(filter->itemText(0), QStringLiteral("Normal filtering"));
     QCOMPARE(filter->currentIndex(), tern ? 0 : 1);

@@ -63,18 +63,17 @@ void LiveEndToEndTest::connectRecordDisconnect_data()
     QTest::addColumn<bool>("serial");
     QTest::addColumn<QString>("panel");  // the device panel the shipped settings give it
     // The simulator runs with normal filtering at 10 revolutions a second.
-    const QString tern = "motor+ filter+[Normal filtering|No filtering|Within three meters]@Normal filtering "
-                         "frequency-[Cannot be set]@Cannot be set";
+    const QString ternFilter = " motor+ filter+[Normal filtering|No filtering|Within three meters]@Normal filtering ";
+    const QString fixed = "frequency-[Cannot be set]@Cannot be set";
     const QString speeds = "frequency+[5|6|7|8|9|10|11|12|13|14|15]@10";
     const QString wren = "gps- motor+ filter+[Normal filtering|No filtering]@Normal filtering " + speeds;
-    QTest::newRow("Tern") << "Tern" << false << "gps- " + tern;
-    QTest::newRow("Tern_P") << "Tern_P" << false << "gps+ " + tern;
-    QTest::newRow("Tern_GPS") << "Tern_GPS" << false << "gps+ " + tern;
-    QTest::newRow("Tern_Plus") << "Tern_Plus" << false
-                               << "gps+ " + tern.section(' ', 0, 3) + " " + speeds;
+    QTest::newRow("Tern") << "Tern" << false << "gps-" + ternFilter + fixed;
+    QTest::newRow("Tern_P") << "Tern_P" << false << "gps+" + ternFilter + fixed;
+    QTest::newRow("Tern_GPS") << "Tern_GPS" << false << "gps+" + ternFilter + fixed;
+    QTest::newRow("Tern_Plus") << "Tern_Plus" << false << "gps+" + ternFilter + speeds;
     QTest::newRow("Wren_Plus") << "Wren_Plus" << false << wren;
     QTest::newRow("Wren_Kite") << "Wren_Kite" << false << wren;
-    QTest::newRow("Tern_GPS serial") << "Tern_GPS" << true << "gps+ " + tern;
+    QTest::newRow("Tern_GPS serial") << "Tern_GPS" << true << "gps+" + ternFilter + fixed;
     QTest::newRow("Wren_Kite serial") << "Wren_Kite" << true << wren;
 }
 
