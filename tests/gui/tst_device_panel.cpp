@@ -278,7 +278,6 @@ void DevicePanelTest::gpsTest_data()
     QTest::newRow("2 ms") << "2 10" << "shown" << 2 * ms << false;
     QTest::newRow("1.999 ms counts as 1") << "2 10" << "shown" << 2 * ms - 1 << true;
     QTest::newRow("10.999 ms counts as 10") << "2 10" << "shown" << 11 * ms - 1 << false;
-    QTest::newRow("11 ms") << "2 10" << "shown" << 11 * ms << true;
     QTest::newRow("11 ms backwards") << "2 10" << "shown" << -11 * ms << true;
     QTest::newRow("hidden") << "2 10" << "hidden" << 50 * ms << false;
     QTest::newRow("paused") << "2 10" << "paused" << 50 * ms << false;
@@ -323,21 +322,17 @@ void DevicePanelTest::networkTool()
     launcher.start();  // not installed: nothing happens, nothing is said
     QProcess* process = launcher.process();
     QVERIFY(process && waitFor([&] { return process->state() == QProcess::NotRunning; }, 3000));
-
     QDir().mkpath("NetworkModuleTool");
     QFile tool("NetworkModuleTool/NetworkModuleTool");
-    QVERIFY(tool.open(QIODevice::WriteOnly));
-    tool.write("#!/bin/sh\necho started >> started.txt\nsleep 0.3\n");
+    QVERIFY(tool.open(QIODevice::WriteOnly) && tool.write("#!/bin/sh\necho run >> log\nsleep 0.3\n") > 0);
     tool.close();
     tool.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-    launcher.start();
-    launcher.start();  // still running: no second one
-    QVERIFY(launcher.process() == process && process->waitForFinished(5000));
-    launcher.start();  // the same process object once more
-    QVERIFY(process->waitForFinished(5000));
-    QFile log("started.txt");
-    QVERIFY(log.open(QIODevice::ReadOnly));
-    QCOMPARE(log.readAll(), QByteArray("started\nstarted\n"));
+    for (int click = 0; click < 3; ++click) {  // the second click comes while it runs: no second tool
+        launcher.start();
+        QVERIFY(launcher.process() == process && (click == 0 || process->waitForFinished(5000)));
+    }
+    QFile log("log");
+    QVERIFY(log.open(QIODevice::ReadOnly) && log.readAll() == "run\nrun\n");
     QDir::setCurrent(previous);
 }
 

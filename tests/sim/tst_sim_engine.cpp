@@ -37,7 +37,6 @@ private slots:
     void packetFields();
     void commandLineSendsOnlyToLoopback_data();
     void commandLineSendsOnlyToLoopback();
-    void gpsGapMakesOneStampLate();
 };
 
 void SimEngineTest::packetFields_data()
@@ -134,34 +133,6 @@ void SimEngineTest::commandLineSendsOnlyToLoopback()
     // The engine refuses a foreign address even when the command line is bypassed.
     line.options.dataHost = "10.1.2.3";
     QVERIFY(validateOptions(line.options).contains("loopback"));
-}
-
-void SimEngineTest::gpsGapMakesOneStampLate()
-{
-    SimCommandLine line;
-    QString message;
-    QVERIFY(parseCommandLine({"scandeck-sim", "--gps-gap", "-1"}, &line, &message) == ParseOutcome::Error);
-    QVERIFY(parseCommandLine({"scandeck-sim", "--gps-gap", "2.5"}, &line, &message) == ParseOutcome::Run);
-    QCOMPARE(line.options.gpsGapMs, 2.5);
-
-    // Three seconds at 600 rpm: each gap falls on a revolution's first packet,
-    // at least the period after the one before; every other stamp keeps pace.
-    ScanGenerator gen(Model::Tern_GPS, 1, kStartUs, 0);
-    gen.setGpsGap(2.5, 0.45);
-    const qint64 intervalUs = qint64(gen.packetIntervalUs(600.0));
-    qint64 previousUs = -1, lastGapUs = -1;
-    for (int i = 0; i < 720; ++i) {
-        const bool first = gen.packetIndex() == 0;
-        const CalendarStamp t = gen.nextContent(initialDeviceState(600.0, FilterMode::Normal)).time;
-        const qint64 us = QDateTime(QDate(t.year, t.month, t.day), QTime(t.hour, t.minute, t.second, t.millisecond),
-                                    Qt::UTC).toMSecsSinceEpoch() * 1000 + t.microsecond;
-        const qint64 late = previousUs < 0 ? 0 : us - previousUs - intervalUs;
-        const bool gap = first && std::abs(late - 2500) <= 1 && us - lastGapUs >= 450000;
-        QVERIFY2(std::abs(late) <= 1 || gap, qPrintable(QString::number(i)));
-        lastGapUs = std::abs(late) > 1 ? us : lastGapUs;
-        previousUs = us;
-    }
-    QCOMPARE(gen.gpsGaps(), qint64(5));  // at 0.5, 1.0, ... 2.5 s: the first revolution 0.45 s after the last
 }
 
 QTEST_GUILESS_MAIN(SimEngineTest)
