@@ -3,9 +3,11 @@
 #include "AboutDialog.h"
 #include "BoxSelectionDialog.h"
 #include "GridPolarDialog.h"
+#include "DeviceSettingsPanel.h"
 #include "IniSettings.h"
 #include "LIdarFactory.h"
 #include "LidarAnalysis.h"
+#include "NetworkToolLauncher.h"
 #include "OffinePlayWidget.h"
 #include "OfflineDrop.h"
 #include "OverlayPainter.h"
@@ -124,6 +126,10 @@ void ScanDeck::initUi()
 
     initViewer();
     ui->openGLWidget->setAcceptDrops(true);
+
+    m_devicePanel = new DeviceSettingsPanel(
+        {ui->btn_motor_state, ui->comboBox_motor_filter, ui->comboBox_motor_frequency, ui->btn_GPS_test}, this);
+    m_networkTool = new NetworkToolLauncher(this);
 
     // Nothing is connected yet: only the connect buttons are live.
     applyLiveState(false);

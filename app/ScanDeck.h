@@ -26,8 +26,10 @@
 
 class AboutDialog;
 class BoxSelectionDialog;
+class DeviceSettingsPanel;
 class GridPolarDialog;
 class LidarAnalysis;
+class NetworkToolLauncher;
 class OverlayPainter;
 class QAbstractButton;
 class QLabel;
@@ -134,6 +136,9 @@ public:
     bool isPlaying() const { return m_playing; }
     // The connection dialog, once btn_connect has made it.
     SelectConnectType* connectDialog() const { return m_connectDialog; }
+    // The "Setting" tab's device controls and the network module tool.
+    DeviceSettingsPanel* devicePanel() const { return m_devicePanel; }
+    NetworkToolLauncher* networkTool() const { return m_networkTool; }
 
     // Read access for the measurement tools, the benchmark and the tests.
     int pointSize() const { return m_pointSize; }
@@ -217,7 +222,6 @@ private:
     void showGridPolarDialog();
     void toggleGpsTest();
     void startNetworkTool();
-    void setMotorFrequencyFromText(const QString& text);
     void configureDevicePanel(const QString& group);
     void playDroppedFile(const QString& path);
     // Mouse over the 3D view: readouts and the ranging preview on moves,
@@ -246,6 +250,8 @@ private:
     QProgressBar* m_progressBar = nullptr;
     TableViewToolBar* m_tableToolBar = nullptr;
     AboutDialog* m_about = nullptr;
+    DeviceSettingsPanel* m_devicePanel = nullptr;
+    NetworkToolLauncher* m_networkTool = nullptr;
     lidar::LidarDataPoint_V4 m_lastFrame;
     int m_pointSize = 4;
     bool m_playing = false;

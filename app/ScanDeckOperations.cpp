@@ -1,7 +1,7 @@
-// Operations of the overlays, box selection, ranging, CSV export and the
-// device panel (the live link's are in ScanDeckLive.cpp). Each is wired to
-// its control already; the ones without a body yet only keep what they are
-// given.
+// Operations of the overlays, box selection, ranging and CSV export (the
+// live link's are in ScanDeckLive.cpp, the device panel's in
+// ScanDeckDevice.cpp). Each is wired to its control already; the ones
+// without a body yet only keep what they are given.
 
 #include "ScanDeck.h"
 
@@ -130,19 +130,4 @@ void ScanDeck::showGridPolarDialog()
     if (!m_gridPolarDialog)
         m_gridPolarDialog = new GridPolarDialog(this, this);
     m_gridPolarDialog->exec();
-}
-
-void ScanDeck::toggleGpsTest() {}
-
-void ScanDeck::startNetworkTool() {}
-
-void ScanDeck::setMotorFrequencyFromText(const QString& text)
-{
-    if (m_live.session())
-        m_live.session()->SetDeviceParam(static_cast<quint8>(text.toInt() & 0xFF));
-}
-
-void ScanDeck::configureDevicePanel(const QString& group)
-{
-    Q_UNUSED(group);
 }

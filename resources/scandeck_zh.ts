@@ -55,6 +55,117 @@
     </message>
 </context>
 <context>
+    <name>DeviceSettingsPanel</name>
+    <message>
+        <location filename="../device/DeviceSettingsPanel.cpp" line="+52"/>
+        <source>Normal filtering</source>
+        <translation>正常滤波</translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>No filtering</source>
+        <translation>不滤波</translation>
+    </message>
+    <message>
+        <location line="+2"/>
+        <source>Within three meters</source>
+        <translation>三米以内</translation>
+    </message>
+    <message>
+        <location line="+4"/>
+        <location line="+13"/>
+        <source>Cannot be set</source>
+        <translation>不可设置</translation>
+    </message>
+</context>
+<context>
+    <name>GPSTest</name>
+    <message>
+        <location filename="../device/GPSTest.ui" line="+14"/>
+        <source>GPS Test</source>
+        <translation>GPS 测试</translation>
+    </message>
+    <message>
+        <location line="+8"/>
+        <source>Minimum（Millisecond）：</source>
+        <translation>最小值（毫秒）：</translation>
+    </message>
+    <message>
+        <location line="+14"/>
+        <source>Maximum（Millisecond）：</source>
+        <translation>最大值（毫秒）：</translation>
+    </message>
+    <message>
+        <location line="+14"/>
+        <source>Pause or resume the display</source>
+        <translation>暂停或继续显示</translation>
+    </message>
+    <message>
+        <location line="+21"/>
+        <source>Current frame time information</source>
+        <translation>当前帧时间信息</translation>
+    </message>
+    <message>
+        <location line="+6"/>
+        <location line="+135"/>
+        <source>Year：</source>
+        <translation>年：</translation>
+    </message>
+    <message>
+        <location line="-121"/>
+        <location line="+135"/>
+        <source>Month：</source>
+        <translation>月：</translation>
+    </message>
+    <message>
+        <location line="-121"/>
+        <location line="+135"/>
+        <source>Day：</source>
+        <translation>日：</translation>
+    </message>
+    <message>
+        <location line="-121"/>
+        <location line="+135"/>
+        <source>Hour：</source>
+        <translation>时：</translation>
+    </message>
+    <message>
+        <location line="-121"/>
+        <location line="+135"/>
+        <source>Minute：</source>
+        <translation>分：</translation>
+    </message>
+    <message>
+        <location line="-121"/>
+        <location line="+135"/>
+        <source>Second：</source>
+        <translation>秒：</translation>
+    </message>
+    <message>
+        <location line="-121"/>
+        <location line="+135"/>
+        <source>Millisecond：</source>
+        <translation>毫秒：</translation>
+    </message>
+    <message>
+        <location line="-121"/>
+        <location line="+135"/>
+        <source>Microsecond：</source>
+        <translation>微秒：</translation>
+    </message>
+    <message>
+        <location line="-121"/>
+        <location line="+135"/>
+        <source>Timestamp：</source>
+        <translation>时间戳：</translation>
+    </message>
+    <message>
+        <location line="-118"/>
+        <source>Last frame time information</source>
+        <translation>上一帧时间信息</translation>
+    </message>
+</context>
+<context>
     <name>GridPolarDialog</name>
     <message>
         <location filename="../measure/GridPolarDialog.ui" line="+14"/>
@@ -93,7 +204,7 @@
     </message>
     <message>
         <location filename="../measure/GridPolarDialog.cpp" line="+26"/>
-        <location line="+34"/>
+        <location line="+33"/>
         <source>setting</source>
         <translation>设置</translation>
     </message>
@@ -332,7 +443,7 @@
 <context>
     <name>ScanDeck</name>
     <message>
-        <location filename="../app/ScanDeck.cpp" line="+322"/>
+        <location filename="../app/ScanDeck.cpp" line="+328"/>
         <source>restart</source>
         <translation>重启</translation>
     </message>
@@ -539,7 +650,7 @@
         <translation>电机状态：</translation>
     </message>
     <message>
-        <location line="+16"/>
+        <location line="+22"/>
         <source>Motor on or off</source>
         <translation>启动或停止电机</translation>
     </message>
