@@ -1,6 +1,7 @@
 #include "ScanDeck.h"
 
 #include "AboutDialog.h"
+#include "CaptureFile.h"
 #include "IniSettings.h"
 #include "LIdarFactory.h"
 #include "LidarAnalysis.h"
@@ -147,6 +148,7 @@ void ScanDeck::initUi()
 
     ui->offline->setExportAction(
         [this](QPushButton* button, bool checked) { exportCsv(button, checked); });
+    initExportTools();
     ui->offline->setMessageHook([this](const QString& title, const QString& text) {
         usermessages::information(this, title, text);
     });
@@ -343,7 +345,8 @@ void ScanDeck::showSavingProgress(float progress)
 void ScanDeck::showFileSaved(const QString& fileName)
 {
     usermessages::information(this, tr("File saved"), tr("File save path:%1").arg(fileName));
-    m_progressBar->hide();
+    if (!m_csvExport.isActive())  // the bar may be showing a running export's progress
+        m_progressBar->hide();
 }
 
 void ScanDeck::closeEvent(QCloseEvent* event)
@@ -358,9 +361,7 @@ void ScanDeck::closeEvent(QCloseEvent* event)
         && usermessages::question(this, tr("question"),
                                   tr("Exporting csv data, do you want to save the data before exiting "
                                      "the program?"))) {
-        m_csvActive = false;
-        m_csvFile.flush();
-        m_csvFile.close();
+        m_csvExport.finish();
         m_progressBar->hide();
     }
     event->accept();
@@ -384,10 +385,17 @@ bool ScanDeck::eventFilter(QObject* watched, QEvent* event)
     return QMainWindow::eventFilter(watched, event);
 }
 
-// A recording dropped on the view is played offline, if the user agrees.
+// A recording or a capture dropped on the view is played offline, if the
+// user agrees.
 void ScanDeck::playDroppedFile(const QString& path)
 {
-    const auto parsed = LIdarFactory::GetInstance()->ParseFile(path);
+    QPair<QString, QVector<lidar::LidarDataPoint_V4>> parsed;
+    if (capture::looksLikeCaptureFile(path)) {
+        if (!ui->offline->readCapture(path, parsed.first, parsed.second))
+            return;  // cancelled, or the player has said why
+    } else {
+        parsed = LIdarFactory::GetInstance()->ParseFile(path);
+    }
     if (parsed.second.isEmpty()) {
         usermessages::information(this, tr("information"), tr("Unable to parse this file"));
         return;

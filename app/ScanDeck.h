@@ -6,6 +6,7 @@
 // cloud fill, table rows); this class wires them to the widgets and the view.
 
 #include "AutoConnector.h"
+#include "CsvExport.h"
 #include "IConnectLiDAR.h"
 #include "IGridPolar.h"
 #include "ITableViewToolBar.h"
@@ -15,6 +16,7 @@
 
 #include <QFile>
 #include <QMainWindow>
+#include <QPointer>
 #include <QString>
 #include <cstdint>
 #include <future>
@@ -24,6 +26,7 @@
 #include <vtkSmartPointer.h>
 
 class AboutDialog;
+class ExportDataDialog;
 class LidarAnalysis;
 class QAbstractButton;
 class QLabel;
@@ -33,6 +36,7 @@ class QTabBar;
 class QTranslator;
 class SelectConnectType;
 class TableViewToolBar;
+class ViewExportTools;
 class vtkGenericOpenGLRenderWindow;
 class vtkOrientationMarkerWidget;
 class vtkRenderer;
@@ -85,6 +89,10 @@ public:
     using SaveFileHook = std::function<QString(QWidget* parent, const QString& caption, const QString& proposed,
                                                const QString& filter)>;
 
+    // Shows the CSV export dialog modally; true when it was accepted. Tests
+    // fill it in and press OK instead.
+    using ExportDialogHook = std::function<bool(ExportDataDialog& dialog)>;
+
     // The OpenGL format VTK needs; call before the QApplication is made.
     static void prepareGraphics();
 
@@ -120,6 +128,7 @@ public:
     // Empty hooks restore the defaults (QFileDialog, the system's serial ports).
     void setSaveFileHook(SaveFileHook hook) { m_saveFileHook = std::move(hook); }
     void setSerialPortLister(AutoConnector::PortLister lister) { m_serialPorts = std::move(lister); }
+    void setExportDialogHook(ExportDialogHook hook) { m_exportDialogHook = std::move(hook); }
 
     // The live session (null before the first connection attempt).
     std::shared_ptr<LidarAnalysis> session() const { return m_live.session(); }
@@ -142,6 +151,8 @@ public:
     vtkRenderer* renderer() const;
     const lidar::LidarDataPoint_V4& lastFrame() const { return m_lastFrame; }
     const FrameTimings& lastFrameTimings() const { return m_timings; }
+    const CsvExport& csvExport() const { return m_csvExport; }
+    ViewExportTools* viewExportTools() const { return m_viewExport; }
 
 signals:
     void SendMessageSignal(QString message);
@@ -181,6 +192,12 @@ private:
     // What a confirmed connection changes in the window.
     void enterConnectedState();
     QString askSavePath(const QString& proposed);
+    // The save dialogs of the exports: the test hook when there is one.
+    QString askSavePath(QWidget* parent, const QString& caption, const QString& proposed, const QString& filter);
+    void initExportTools();
+    // What an export of the current frame saves: the box's points while
+    // the box is in force, else the whole frame last shown.
+    lidar::LidarDataPoint_V4 frameToExport() const;
 
     // Operations wired to the controls.
     void toggleTabPanel();
@@ -190,6 +207,7 @@ private:
     void showWarning(const QString& message);
     void showSavingProgress(float progress);
     void showFileSaved(const QString& fileName);
+    void showExportSaved(const QString& fileName);
     void toggleTablePane(bool open);
     void clearView();
     void setRangingMode(bool on);
@@ -237,13 +255,10 @@ private:
     QStandardItemModel* m_tableModel = nullptr;
     quintptr m_savedKeyboardLayout = 0;
     QTabBar* m_tabBar = nullptr;
-    QFile m_csvFile;
-    bool m_csvActive = false;
-    int m_csvFramesWritten = 0;
-    int m_csvFrameLimit = 0;
-    float m_csvStartAngle = 0.0f;
-    float m_csvEndAngle = 360.0f;
-    QString m_csvPath;
+    CsvExport m_csvExport;
+    QPointer<QAbstractButton> m_csvButton;  // the export button that started the export
+    ExportDialogHook m_exportDialogHook;
+    ViewExportTools* m_viewExport = nullptr;
     QTranslator* m_translator = nullptr;
     int m_tableRows = 30;
     int m_precision = 2;

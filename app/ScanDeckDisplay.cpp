@@ -47,10 +47,8 @@ void ScanDeck::showFrame(lidar::LidarDataPoint_V4 frame)
                 QString::fromStdString(kBoxCloudId), -1);
     --m_renderBatchDepth;
 
-    if (m_csvActive) {
-        ++m_csvFramesWritten;
+    if (m_csvExport.isActive())
         writeCsvFrame(m_boxActive ? boxFrame : frame);
-    }
     m_lastFrame = std::move(frame);
     m_timings.ownNs = clock.nsecsElapsed() - m_timings.viewerNs;
 

@@ -1,5 +1,6 @@
-// Operations of the overlays, box selection, ranging, CSV export and the
-// device panel (the live link's are in ScanDeckLive.cpp). Each is wired to
+// Operations of the overlays, box selection, ranging and the device panel
+// (the live link's are in ScanDeckLive.cpp, the exports' in
+// ScanDeckExport.cpp). Each is wired to
 // its control already; the ones without a body yet only keep what they are
 // given.
 
@@ -37,17 +38,6 @@ BoxRange ScanDeck::getBoxRange() const
 void ScanDeck::setRangingMode(bool on)
 {
     m_rangingActive = on ? 1 : 0;
-}
-
-void ScanDeck::exportCsv(QAbstractButton* button, bool checked)
-{
-    Q_UNUSED(button);
-    Q_UNUSED(checked);
-}
-
-void ScanDeck::writeCsvFrame(const lidar::LidarDataPoint_V4& frame)
-{
-    Q_UNUSED(frame);
 }
 
 void ScanDeck::toggleBoxSelection(bool on)

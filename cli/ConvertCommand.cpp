@@ -119,7 +119,8 @@ int runConvert(const QStringList& arguments)
     bool csv = true;
     cloudfile::Format format = cloudfile::Format::Pcd;
     if (!formatFromName(parser.value(formatOption), csv, format))
-        return usageError(command, QStringLiteral("unknown format '%1' (csv, pcd or ply)").arg(parser.value(formatOption)));
+        return usageError(command,
+                          QStringLiteral("unknown format '%1' (csv, pcd or ply)").arg(parser.value(formatOption)));
     if (!csv && target == QLatin1String("-"))
         return usageError(command, "PCD and PLY cannot go to standard output");
     double start = 0.0, end = 0.0;
@@ -186,9 +187,8 @@ int runConvert(const QStringList& arguments)
     if (!writer->end(error))
         return fileError(target, QStringLiteral("cannot write: %1").arg(error));
     if (start > end)
-        printError(QStringLiteral("warning: start angle %1 is above end angle %2, no point was written")
-                       .arg(start)
-                       .arg(end));
+        printError(
+            QStringLiteral("warning: start angle %1 is above end angle %2, no point was written").arg(start).arg(end));
     if (target != QLatin1String("-"))
         printOut(QStringLiteral("%1: %2 frames, %3 points of model %4 written to %5")
                      .arg(input)

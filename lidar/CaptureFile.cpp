@@ -11,11 +11,6 @@
 namespace capture {
 namespace {
 
-QString tr(const char* text)
-{
-    return QCoreApplication::translate("CaptureFile", text);
-}
-
 // The first four bytes: pcap's magic number (microsecond or nanosecond time
 // stamps) in either byte order, or the type of pcapng's first block.
 enum class Format { None, Pcap, PcapNano, PcapNg };
@@ -76,7 +71,7 @@ bool CaptureFile::open(const QString& path)
 {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
-        error_ = tr("Cannot open %1: %2").arg(path, file.errorString());
+        error_ = QCoreApplication::translate("CaptureFile", "Cannot open %1: %2").arg(path, file.errorString());
         return false;
     }
     const QByteArray head = file.read(4);
@@ -100,13 +95,14 @@ bool CaptureFile::openBytes(const QByteArray& bytes)
     } else {
         std::snprintf(errorText, sizeof errorText, "cannot read from memory");
     }
-    return start(handle, errorText, tr("the capture"), memory_.left(4));
+    return start(handle, errorText, QCoreApplication::translate("CaptureFile", "the capture"), memory_.left(4));
 }
 
 bool CaptureFile::start(pcap* handle, const char* errorText, const QString& name, const QByteArray& head)
 {
     if (!handle) {
-        error_ = tr("Cannot read %1 as a capture: %2").arg(name, QString::fromLocal8Bit(errorText));
+        error_ = QCoreApplication::translate("CaptureFile", "Cannot read %1 as a capture: %2")
+                     .arg(name, QString::fromLocal8Bit(errorText));
         return false;
     }
     handle_ = handle;
@@ -116,8 +112,10 @@ bool CaptureFile::start(pcap* handle, const char* errorText, const QString& name
     summary_.linkName = linkName ? QString::fromLatin1(linkName) : QString::number(dlt);
     link_ = linkTypeFromDlt(dlt);
     if (link_ == LinkType::Unsupported) {
-        error_ = tr("The link type %1 (%2) of %3 is not supported: only Ethernet, Linux cooked (SLL, SLL2), "
-                    "raw IP and BSD loopback captures can be read")
+        error_ = QCoreApplication::translate(
+                     "CaptureFile",
+                     "The link type %1 (%2) of %3 is not supported: only Ethernet, Linux cooked (SLL, SLL2), "
+                     "raw IP and BSD loopback captures can be read")
                      .arg(dlt)
                      .arg(summary_.linkName, name);
         return false;
@@ -162,29 +160,37 @@ QStringList CaptureFile::warnings() const
     QStringList lines;
     const DatagramCounts& c = summary_.counts;
     if (!summary_.damage.isEmpty())
-        lines << tr("The capture is damaged or cut short after %1 packets (%2); what came before is used")
+        lines << QCoreApplication::translate(
+                     "CaptureFile",
+                     "The capture is damaged or cut short after %1 packets (%2); what came before is used")
                      .arg(summary_.packets)
                      .arg(summary_.damage);
     if (c.cutShort > 0)
-        lines << tr("%1 datagrams were not captured whole (snapshot length too small) and were skipped")
+        lines << QCoreApplication::translate(
+                     "CaptureFile", "%1 datagrams were not captured whole (snapshot length too small) and were skipped")
                      .arg(c.cutShort);
     if (c.fragmentsDropped > 0)
-        lines << tr("%1 IP fragments never made a whole datagram and were skipped").arg(c.fragmentsDropped);
+        lines << QCoreApplication::translate("CaptureFile",
+                                             "%1 IP fragments never made a whole datagram and were skipped")
+                     .arg(c.fragmentsDropped);
     if (c.malformed > 0)
-        lines << tr("%1 packets with broken headers were skipped").arg(c.malformed);
+        lines << QCoreApplication::translate("CaptureFile", "%1 packets with broken headers were skipped")
+                     .arg(c.malformed);
     return lines;
 }
 
 QString CaptureFile::noDatagramMessage(quint16 port) const
 {
-    QString text = tr("The capture holds no UDP datagram to port %1 (%2 packets read)")
-                       .arg(port)
-                       .arg(summary_.packets);
+    QString text =
+        QCoreApplication::translate("CaptureFile", "The capture holds no UDP datagram to port %1 (%2 packets read)")
+            .arg(port)
+            .arg(summary_.packets);
     if (!summary_.counts.otherPorts.isEmpty()) {
         QStringList ports;
         for (quint16 p : summary_.counts.otherPorts)
             ports << QString::number(p);
-        text += tr("; its UDP datagrams go to port %1").arg(ports.join(QStringLiteral(", ")));
+        text += QCoreApplication::translate("CaptureFile", "; its UDP datagrams go to port %1")
+                    .arg(ports.join(QStringLiteral(", ")));
     }
     return text;
 }

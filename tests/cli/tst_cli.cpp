@@ -275,8 +275,9 @@ void CliTest::capturesConvertLikeRecordings()
     QVector<QByteArray> frames;
     for (const QByteArray& packet : packets)
         frames << testing::ethernet(testing::udp4(2368, packet));
+    using testing::CaptureFormat;
     const QString captured =
-        write("cap.pcapng", testing::captureFile(testing::CaptureFormat::PcapNg, false, testing::kLinkEthernet, frames));
+        write("cap.pcapng", testing::captureFile(CaptureFormat::PcapNg, false, testing::kLinkEthernet, frames));
 
     const QString fromRecording = dir_.filePath("rec.csv"), fromCapture = dir_.filePath("cap.csv");
     QCOMPARE(runCli({"convert", recorded, "-o", fromRecording}).exitCode, 0);
@@ -285,8 +286,9 @@ void CliTest::capturesConvertLikeRecordings()
 
     const Run info = runCli(QStringList{"info", captured, "--model", model} + options);
     QCOMPARE(info.exitCode, 0);
-    for (const char* line : {"capture format:    pcapng\n", "link type:         EN10MB\n", "datagrams:         97 to port 2368\n",
-                             "complete frames:   4\n", "first datagram:    2024-05-20 12:00:00.000 UTC\n"})
+    for (const char* line : {"capture format:    pcapng\n", "link type:         EN10MB\n",
+                             "datagrams:         97 to port 2368\n", "complete frames:   4\n",
+                             "first datagram:    2024-05-20 12:00:00.000 UTC\n"})
         QVERIFY2(info.out.contains(line), info.out.constData());
 
     // A capture names no model; another port holds nothing.

@@ -129,11 +129,13 @@ void CaptureTest::framesAsLive_data()
     linkRow("Linux cooked (SLL2), IPv6", kLinkLinuxSll2, [](const QByteArray& p) { return linuxSll2(udp6(kPort, p)); });
     linkRow("raw IPv4", kLinkRaw, [](const QByteArray& p) { return udp4(kPort, p); });
     linkRow("raw IPv6", kLinkRaw, [](const QByteArray& p) { return udp6(kPort, p); });
-    linkRow("BSD loopback, host order", kLinkNull, [](const QByteArray& p) { return bsdLoopback(udp4(kPort, p), false); });
+    linkRow("BSD loopback, host order", kLinkNull,
+            [](const QByteArray& p) { return bsdLoopback(udp4(kPort, p), false); });
     linkRow("BSD loopback, network order, IPv6", kLinkLoop,
             [](const QByteArray& p) { return bsdLoopback(udp6(kPort, p), true); });
-    linkRow("802.1Q inside 802.1ad tags", kLinkEthernet,
-            [](const QByteArray& p) { return ethernet(udp4(kPort, p), {0x88A8, 0x8100}); });
+    linkRow("802.1Q inside 802.1ad tags", kLinkEthernet, [](const QByteArray& p) {
+        return ethernet(udp4(kPort, p), {0x88A8, 0x8100});
+    });
 
     // The stream is what counts, not how it was cut into datagrams.
     QVector<QByteArray> halves, triples;
@@ -198,26 +200,30 @@ void CaptureTest::unusableCaptures_data()
     using F = CaptureFormat;
     const QVector<QByteArray> tern = revolutionPackets("Tern", 3);
     const QByteArray good = captureFile(F::PcapMicroseconds, false, kLinkEthernet, ethernetUdp(tern));
-    QTest::newRow("not a capture") << QByteArray("FrameNumbers,ID\n1,0\n") << "as a capture" << "" << 0;
-    QTest::newRow("empty file") << QByteArray() << "as a capture" << "" << 0;
-    QTest::newRow("cut inside the file header") << good.left(10) << "as a capture" << "" << 0;
-    QTest::newRow("wireless link type")
-        << captureFile(F::PcapMicroseconds, false, kLinkIeee80211, QVector<QByteArray>{QByteArray(40, '\0')})
-        << "link type 105 (IEEE802_11)" << "" << 0;
+    QTest::newRow("not a capture") << QByteArray("FrameNumbers,ID\n1,0\n") << "as a capture"
+                                   << "" << 0;
+    QTest::newRow("empty file") << QByteArray() << "as a capture"
+                                << "" << 0;
+    QTest::newRow("cut inside the file header") << good.left(10) << "as a capture"
+                                                << "" << 0;
+    QTest::newRow("wireless link type") << captureFile(F::PcapMicroseconds, false, kLinkIeee80211,
+                                                       QVector<QByteArray>{QByteArray(40, '\0')})
+                                        << "link type 105 (IEEE802_11)"
+                                        << "" << 0;
     QTest::newRow("datagrams only to another port")
         << captureFile(F::PcapNg, false, kLinkEthernet, ethernetUdp(tern, 2370))
-        << "no UDP datagram to port 2368 (73 packets read); its UDP datagrams go to port 2370" << "" << 0;
+        << "no UDP datagram to port 2368 (73 packets read); its UDP datagrams go to port 2370"
+        << "" << 0;
     // The last record, which closes the third turn, is cut in half.
-    QTest::newRow("file cut inside a packet")
-        << good.left(good.size() - 50) << "" << "cut short after 72 packets" << 2;
+    QTest::newRow("file cut inside a packet") << good.left(good.size() - 50) << ""
+                                              << "cut short after 72 packets" << 2;
     QVector<CapturedPacket> snapped;
     for (int i = 0; i < tern.size(); ++i) {
         const QByteArray frame = ethernetUdp({tern[i]}).first();
         snapped << (i >= 24 ? CapturedPacket{frame.left(64), frame.size()} : CapturedPacket{frame, -1});
     }
-    QTest::newRow("snapshot length too small")
-        << captureFile(F::PcapMicroseconds, true, kLinkEthernet, snapped) << ""
-        << "49 datagrams were not captured whole" << 0;
+    QTest::newRow("snapshot length too small") << captureFile(F::PcapMicroseconds, true, kLinkEthernet, snapped) << ""
+                                               << "49 datagrams were not captured whole" << 0;
     QVector<QByteArray> lostPiece = ethernetUdp(tern);
     lostPiece << ethernet(ipv4Fragments(udp4(kPort, tern[0], 999), 40).first());
     QByteArray lying = ethernet(udp4(kPort, tern[0]));
