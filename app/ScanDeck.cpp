@@ -195,6 +195,8 @@ void ScanDeck::initStatusBar()
 {
     m_progressBar = new QProgressBar(this);
     m_progressBar->setRange(1, 100);
+    // The value is the percentage: over the range 1..100 Qt's own text would be one off.
+    m_progressBar->setFormat(QStringLiteral("%v%"));
     m_progressBar->setFixedHeight(20);
     m_progressBar->setMaximumWidth(240);
     m_progressBar->hide();

@@ -38,6 +38,13 @@ for format in "csv" "pcd" "pcd --merge" "pcd --ascii --merge" "ply" "ply --merge
     rm -rf "$target"
 done
 
+# The same frames from the capture, which is read as a stream.
+timed "$build/scandeck-cli" convert "$work/rec.pcap" --model "$model" -o "$work/cap.csv"
+points=$(grep -o '[0-9]* points' <<<"$out" | cut -d' ' -f1)
+printf "%-26s %9.2f %14s %10s %10s\n" "csv, from the pcap" "$seconds" "$(rate "$points" "$seconds")" "$peak_mb" \
+    "$(du -sh "$work/cap.csv" | cut -f1)"
+rm -f "$work/cap.csv"
+
 echo
 printf "%-26s %9s %14s %10s\n" "read (scandeck-cli info)" "seconds" "packets/s" "peak MB"
 timed "$build/scandeck-cli" info "$work/rec.txt"

@@ -337,7 +337,8 @@ void DatagramExtractor::transport(int protocol, Bytes bytes, const PayloadSink& 
     ++counts_.datagrams;
     if (rebuilt)
         ++counts_.reassembled;
-    sink(QByteArray(reinterpret_cast<const char*>(bytes.data + 8), int(length - 8)));
+    // No copy: the payload is only read during the call.
+    sink(QByteArray::fromRawData(reinterpret_cast<const char*>(bytes.data + 8), int(length - 8)));
 }
 
 void DatagramExtractor::otherPort(quint16 port)

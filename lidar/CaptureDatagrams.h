@@ -39,7 +39,8 @@ public:
 
     // One captured frame: `captured` bytes at `data`, `original` bytes long
     // on the wire. Payloads to the port go to `sink` in capture order (a
-    // fragmented datagram when its last missing piece arrives).
+    // fragmented datagram when its last missing piece arrives); a payload
+    // points into `data` and is valid only during the call.
     void feed(const uint8_t* data, size_t captured, size_t original, const PayloadSink& sink);
     // The end of the capture: fragments still waiting count as dropped.
     void finish();

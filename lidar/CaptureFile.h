@@ -50,6 +50,7 @@ public:
 
     // Hands the UDP payloads to `port` to `sink` in capture order, up to the
     // end of the file, the first damaged record, or until `sink` says stop.
+    // A payload is valid only during the call: copy what is to be kept.
     // Call once after a successful open.
     void readDatagrams(quint16 port, const PayloadSink& sink);
 

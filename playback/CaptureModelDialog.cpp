@@ -20,6 +20,7 @@ CaptureModelDialog::CaptureModelDialog(QWidget* parent) : QDialog(parent)
 {
     setObjectName(QStringLiteral("CaptureModelDialog"));
     setWindowTitle(tr("Open a capture"));
+    setMinimumWidth(420);
     comboBox_model = new QComboBox(this);
     comboBox_model->setObjectName(QStringLiteral("comboBox_model"));
     comboBox_model->addItems(LIdarFactory::GetInstance()->ModelNames());
