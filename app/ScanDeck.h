@@ -152,7 +152,6 @@ public:
     const lidar::LidarDataPoint_V4& lastFrame() const { return m_lastFrame; }
     const FrameTimings& lastFrameTimings() const { return m_timings; }
     const CsvExport& csvExport() const { return m_csvExport; }
-    ViewExportTools* viewExportTools() const { return m_viewExport; }
 
 signals:
     void SendMessageSignal(QString message);

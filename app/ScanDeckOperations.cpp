@@ -1,8 +1,7 @@
 // Operations of the overlays, box selection, ranging and the device panel
 // (the live link's are in ScanDeckLive.cpp, the exports' in
-// ScanDeckExport.cpp). Each is wired to
-// its control already; the ones without a body yet only keep what they are
-// given.
+// ScanDeckExport.cpp). Each is wired to its control already; the ones
+// without a body yet only keep what they are given.
 
 #include "ScanDeck.h"
 

@@ -16,7 +16,7 @@ const QString kModelKey = QStringLiteral("capture model");
 const QString kPortKey = QStringLiteral("capture data port");
 }  // namespace
 
-CaptureModelDialog::CaptureModelDialog(QWidget* parent) : QDialog(parent)
+CaptureModelDialog::CaptureModelDialog(const QString& model, quint16 port, QWidget* parent) : QDialog(parent)
 {
     setObjectName(QStringLiteral("CaptureModelDialog"));
     setWindowTitle(tr("Open a capture"));
@@ -28,9 +28,6 @@ CaptureModelDialog::CaptureModelDialog(QWidget* parent) : QDialog(parent)
     spinBox_port->setObjectName(QStringLiteral("spinBox_port"));
     spinBox_port->setRange(1, 65535);
 
-    QString model;
-    quint16 port = capture::kDefaultDataPort;
-    lastChoice(model, port);
     comboBox_model->setCurrentText(model);
     spinBox_port->setValue(port);
 

@@ -1,7 +1,7 @@
 #pragma once
 // A capture does not say which lidar sent it: this asks for the model and
-// the data port its stream went to, preselecting the last ones used (kept
-// in the settings file).
+// the data port its stream went to. The last choice is kept in the
+// settings file, to be offered the next time.
 
 #include <QDialog>
 #include <QString>
@@ -12,7 +12,7 @@ class QSpinBox;
 class CaptureModelDialog : public QDialog {
     Q_OBJECT
 public:
-    explicit CaptureModelDialog(QWidget* parent = nullptr);
+    CaptureModelDialog(const QString& model, quint16 port, QWidget* parent = nullptr);
 
     QString model() const;
     quint16 port() const;

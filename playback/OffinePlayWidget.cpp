@@ -66,7 +66,7 @@ void OffinePlayWidget::setCaptureModelHook(CaptureModelHook hook)
         return;
     }
     captureModelHook = [this](QString& model, quint16& port) {
-        CaptureModelDialog dialog(this);
+        CaptureModelDialog dialog(model, port, this);
         if (dialog.exec() != QDialog::Accepted)
             return false;
         model = dialog.model();

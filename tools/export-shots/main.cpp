@@ -93,7 +93,10 @@ int main(int argc, char* argv[])
         settle(300);
         ok = save(&window, out.filePath(QStringLiteral("export-progress.png")), 1200) && ok;
 
-        CaptureModelDialog question(&window);
+        QString model;
+        quint16 port = 0;
+        CaptureModelDialog::lastChoice(model, port);
+        CaptureModelDialog question(model, port, &window);
         question.show();
         settle(300);
         ok = save(&question, out.filePath(QStringLiteral("capture-model.png")), 600) && ok;
