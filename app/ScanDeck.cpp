@@ -4,6 +4,7 @@
 #include "BoxSelectionDialog.h"
 #include "GridPolarDialog.h"
 #include "DeviceSettingsPanel.h"
+#include "CaptureFile.h"
 #include "IniSettings.h"
 #include "LIdarFactory.h"
 #include "LidarAnalysis.h"
@@ -160,6 +161,7 @@ void ScanDeck::initUi()
 
     ui->offline->setExportAction(
         [this](QPushButton* button, bool checked) { exportCsv(button, checked); });
+    initExportTools();
     ui->offline->setMessageHook([this](const QString& title, const QString& text) {
         usermessages::information(this, title, text);
     });
@@ -210,6 +212,8 @@ void ScanDeck::initStatusBar()
 {
     m_progressBar = new QProgressBar(this);
     m_progressBar->setRange(1, 100);
+    // The value is the percentage: over the range 1..100 Qt's own text would be one off.
+    m_progressBar->setFormat(QStringLiteral("%v%"));
     m_progressBar->setFixedHeight(20);
     m_progressBar->setMaximumWidth(240);
     m_progressBar->hide();
@@ -358,7 +362,8 @@ void ScanDeck::showSavingProgress(float progress)
 void ScanDeck::showFileSaved(const QString& fileName)
 {
     usermessages::information(this, tr("File saved"), tr("File save path:%1").arg(fileName));
-    m_progressBar->hide();
+    if (!m_csvExport.isActive())  // the bar may be showing a running export's progress
+        m_progressBar->hide();
 }
 
 void ScanDeck::closeEvent(QCloseEvent* event)
@@ -373,9 +378,7 @@ void ScanDeck::closeEvent(QCloseEvent* event)
         && usermessages::question(this, tr("question"),
                                   tr("Exporting csv data, do you want to save the data before exiting "
                                      "the program?"))) {
-        m_csvActive = false;
-        m_csvFile.flush();
-        m_csvFile.close();
+        m_csvExport.finish();
         m_progressBar->hide();
     }
     event->accept();
@@ -402,10 +405,17 @@ bool ScanDeck::eventFilter(QObject* watched, QEvent* event)
     return QMainWindow::eventFilter(watched, event);
 }
 
-// A recording dropped on the view is played offline, if the user agrees.
+// A recording or a capture dropped on the view is played offline, if the
+// user agrees.
 void ScanDeck::playDroppedFile(const QString& path)
 {
-    const auto parsed = LIdarFactory::GetInstance()->ParseFile(path);
+    QPair<QString, QVector<lidar::LidarDataPoint_V4>> parsed;
+    if (capture::looksLikeCaptureFile(path)) {
+        if (!ui->offline->readCapture(path, parsed.first, parsed.second))
+            return;  // cancelled, or the player has said why
+    } else {
+        parsed = LIdarFactory::GetInstance()->ParseFile(path);
+    }
     if (parsed.second.isEmpty()) {
         usermessages::information(this, tr("information"), tr("Unable to parse this file"));
         return;

@@ -1,7 +1,6 @@
-// Operations of the overlays, box selection, ranging and CSV export (the
-// live link's are in ScanDeckLive.cpp, the device panel's in
-// ScanDeckDevice.cpp). Each is wired to its control already; the ones
-// without a body yet only keep what they are given.
+// Operations of the overlays, box selection and ranging. The live link's
+// are in ScanDeckLive.cpp, the device panel's in ScanDeckDevice.cpp, the
+// exports' in ScanDeckExport.cpp.
 
 #include "ScanDeck.h"
 
@@ -65,17 +64,6 @@ void ScanDeck::setRangingMode(bool on)
 {
     m_rangingActive = on ? 1 : 0;
     m_pickedPoints[0] = m_pickedPoints[1] = ScenePoint();
-}
-
-void ScanDeck::exportCsv(QAbstractButton* button, bool checked)
-{
-    Q_UNUSED(button);
-    Q_UNUSED(checked);
-}
-
-void ScanDeck::writeCsvFrame(const lidar::LidarDataPoint_V4& frame)
-{
-    Q_UNUSED(frame);
 }
 
 // "Point Cloud Box": while on, a left drag in the view selects an area

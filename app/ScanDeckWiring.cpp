@@ -43,7 +43,7 @@ void ScanDeck::wireSignals()
     connect(u->btn_export_csv, &Button::clicked, this,
             [this](bool checked) { exportCsv(ui->btn_export_csv, checked); });
     connect(this, &ScanDeck::SendDataSavingProgressSianal, this, &ScanDeck::showSavingProgress);
-    connect(this, &ScanDeck::SendEndSaveDataSignal, this, &ScanDeck::showFileSaved);
+    connect(this, &ScanDeck::SendEndSaveDataSignal, this, &ScanDeck::showExportSaved);
     connect(u->btn_point_cloud_select, &Button::clicked, this, &ScanDeck::toggleBoxSelection);
     wireOfflinePlayer();
     connect(u->btn_GPS_test, &Button::clicked, this, &ScanDeck::toggleGpsTest);
