@@ -24,6 +24,9 @@
 #include <vtkSmartPointer.h>
 
 class AboutDialog;
+class ColourLegendOverlay;
+class KeyboardShortcuts;
+class LinkStatusReadout;
 class LidarAnalysis;
 class QAbstractButton;
 class QLabel;
@@ -169,6 +172,7 @@ private:
     void initUi();
     void initViewer();
     void initStatusBar();
+    void initShortcuts();
     void applyStyleSheet();
     void applyStartLanguage();
     void resetReadouts();
@@ -180,6 +184,8 @@ private:
     void applyLiveState(bool connected);
     // What a confirmed connection changes in the window.
     void enterConnectedState();
+    // The link status follows the connected session's traffic.
+    void watchLink();
     QString askSavePath(const QString& proposed);
 
     // Operations wired to the controls.
@@ -207,6 +213,8 @@ private:
     void setMotorFrequencyFromText(const QString& text);
     void configureDevicePanel(const QString& group);
     void playDroppedFile(const QString& path);
+    // The window title while a recording plays: its model and file name.
+    void showPlaybackTitle(const QString& path);
     // Extent and distance span of the drawn selection, for the status bar.
     void showSelectionReadouts(const display::CloudExtent& extent, const display::CloudFillResult& filled);
     void writeCsvFrame(const lidar::LidarDataPoint_V4& frame);
@@ -226,6 +234,10 @@ private:
     QProgressBar* m_progressBar = nullptr;
     TableViewToolBar* m_tableToolBar = nullptr;
     AboutDialog* m_about = nullptr;
+    LinkStatusReadout* m_linkStatus = nullptr;
+    ColourLegendOverlay* m_legend = nullptr;
+    KeyboardShortcuts* m_shortcuts = nullptr;
+    QString m_playbackModel;
     lidar::LidarDataPoint_V4 m_lastFrame;
     int m_pointSize = 4;
     bool m_playing = false;

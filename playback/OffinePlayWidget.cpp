@@ -1,12 +1,14 @@
 #include "OffinePlayWidget.h"
 
+#include "IniSettings.h"
 #include "LIdarFactory.h"
+#include "RecentFolder.h"
+#include "UserMessages.h"
 #include "ui_OffinePlayWidget.h"
 
 #include <QDir>
 #include <QFileDialog>
 #include <QKeyEvent>
-#include <QMessageBox>
 #include <QTimerEvent>
 
 namespace {
@@ -42,7 +44,7 @@ void OffinePlayWidget::setMessageHook(MessageHook hook)
         messageHook = std::move(hook);
         return;
     }
-    messageHook = [this](const QString& title, const QString& text) { QMessageBox::information(this, title, text); };
+    messageHook = [this](const QString& title, const QString& text) { usermessages::information(this, title, text); };
 }
 
 void OffinePlayWidget::setOpenFileHook(OpenFileHook hook)
@@ -111,18 +113,23 @@ void OffinePlayWidget::openFile()
         inform(tr("information"), tr("Please disconnect first!"));
         return;
     }
-    const QString path = openFileHook(tr("Open File"), QDir::homePath() + "/", QStringLiteral("*.txt"));
+    IniSettings settings;
+    const QString filter = tr("Recordings (*.txt)") + QStringLiteral(";;") + tr("All files (*)");
+    const QString path =
+        openFileHook(tr("Open File"), recentfolder::folder(settings, QDir::homePath() + "/"), filter);
     if (path.isEmpty())
         return;
+    recentfolder::remember(settings, path);
     const auto parsed = LIdarFactory::GetInstance()->ParseFile(path);
     if (parsed.second.isEmpty()) {
         inform(tr("information"), tr("Unable to parse this file"));
         return;
     }
-    loadFrames(parsed.first, parsed.second);
+    loadFrames(parsed.first, parsed.second, path);
 }
 
-void OffinePlayWidget::loadFrames(const QString& name, const QVector<lidar::LidarDataPoint_V4>& newFrames)
+void OffinePlayWidget::loadFrames(const QString& name, const QVector<lidar::LidarDataPoint_V4>& newFrames,
+                                  const QString& path)
 {
     frames = newFrames;
     if (frames.isEmpty()) {
@@ -130,6 +137,7 @@ void OffinePlayWidget::loadFrames(const QString& name, const QVector<lidar::Lida
         return;
     }
     loaded = true;
+    file = path;
     current = 0;
     count = frames.size();
 
@@ -141,6 +149,7 @@ void OffinePlayWidget::loadFrames(const QString& name, const QVector<lidar::Lida
 
     setControlsLoaded(true);
     emit SendLidarTypeSignal(name);
+    emit SendPlaybackFileSignal(file);
     emit SendLidarDataSignal(frames.first());
 }
 
@@ -230,6 +239,30 @@ void OffinePlayWidget::nextFrame()
     showFrameAt(qMin(current + 1, count));
 }
 
+void OffinePlayWidget::firstFrame()
+{
+    if (!frames.isEmpty())
+        showFrameAt(1);
+}
+
+void OffinePlayWidget::lastFrame()
+{
+    if (!frames.isEmpty())
+        showFrameAt(count);
+}
+
+void OffinePlayWidget::openIfAllowed()
+{
+    if (ui->btn_open_file->isEnabled())
+        ui->btn_open_file->click();
+}
+
+void OffinePlayWidget::toggleExportIfAllowed()
+{
+    if (ui->btn_export_csv->isEnabled())
+        ui->btn_export_csv->click();
+}
+
 void OffinePlayWidget::seekFromSlider(int value)
 {
     if (value < 1 || value > count || frames.isEmpty())
@@ -258,12 +291,12 @@ void OffinePlayWidget::seekFromSpinBox()
     // Judge the typed text, not value(): text the range rejects (0, an empty
     // box) never becomes the value, and silently showing the old position
     // instead would hide the mistake.
-    QSpinBox* box = ui->spinBox_progress;
+    FrameNumberBox* box = ui->spinBox_progress;
     bool isNumber = false;
     const int typed = box->cleanText().toInt(&isNumber);
     if (!isNumber || typed < 1 || typed > count) {
         inform(tr("information"), tr("There is an error in the input. Please enter it again"));
-        box->setValue(qBound(1, current, count));
+        box->resetTo(qBound(1, current, count));
         box->selectAll();
         return;
     }
@@ -276,7 +309,9 @@ void OffinePlayWidget::seekFromSpinBox()
 void OffinePlayWidget::stop()
 {
     playing = false;
+    const bool wasLoaded = loaded;
     loaded = false;
+    file.clear();
     stopPlaybackTimer();
     frames.clear();
     packets.clear();
@@ -286,6 +321,8 @@ void OffinePlayWidget::stop()
     ui->btn_play->setChecked(false);
     ui->spinBox_progress->clear();
     setControlsLoaded(false);
+    if (wasLoaded)
+        emit SendPlaybackFileSignal(QString());
     emit SendLidarDataSignal(emptyFrame());
 }
 
