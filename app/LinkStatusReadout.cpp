@@ -67,9 +67,9 @@ QString LinkStatusReadout::describe(const LinkStatus& status, bool network)
     }
     const QString frames = oneDecimal(status.framesPerSecond());
     if (network)
-        return tr("%1 packets/s, %2 frames/s, last datagram %3 s ago")
+        return tr("%1 packets/s, %2 frames/s, %3 s ago")
             .arg(QString::number(qRound(status.datagramsPerSecond())), frames, seconds);
-    return tr("%1 kB/s, %2 frames/s, last data %3 s ago")
+    return tr("%1 kB/s, %2 frames/s, %3 s ago")
         .arg(oneDecimal(status.bytesPerSecond() / 1000.0), frames, seconds);
 }
 
@@ -80,8 +80,9 @@ void LinkStatusReadout::showStatus()
     if (styleSheet() != QLatin1String(style))
         setStyleSheet(QLatin1String(style));
     setText(describe(m_status, m_network));
-    setToolTip(tr("Link to the lidar. frames/s counts the revolutions the lidar completes; the FPS figure in the "
-                  "view counts how often the view is drawn."));
+    setToolTip(tr("Link to the lidar: packets (over a serial port, kilobytes) and frames per second, and how long "
+                  "ago the last data arrived. frames/s counts the revolutions the lidar completes; the FPS figure "
+                  "in the view counts how often the view is drawn."));
 }
 
 void LinkStatusReadout::changeEvent(QEvent* event)

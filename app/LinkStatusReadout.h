@@ -1,7 +1,7 @@
 #pragma once
 // The link status in the status bar while a lidar is connected: packets (or,
 // over a serial port, kilobytes) and frames per second and the time since
-// the last datagram, in green; after a second without data a red "No data
+// the last datagram ("450 packets/s, 10.0 frames/s, 0.0 s ago"), in green; after a second without data a red "No data
 // from the lidar" with the time of silence. Hidden while disconnected.
 
 #include "LinkStatus.h"

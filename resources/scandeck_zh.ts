@@ -61,7 +61,7 @@
 <context>
     <name>FrameNumberBox</name>
     <message>
-        <location filename="../playback/FrameNumberBox.cpp" line="+42"/>
+        <location filename="../playback/FrameNumberBox.cpp" line="+49"/>
         <source>No frame %1: enter a number from %2 to %3</source>
         <translation>没有第 %1 帧：请输入 %2 到 %3 之间的数字</translation>
     </message>
@@ -140,24 +140,24 @@
 <context>
     <name>LinkStatusReadout</name>
     <message>
-        <location filename="../app/LinkStatusReadout.cpp" line="+62"/>
+        <location filename="../app/LinkStatusReadout.cpp" line="+64"/>
         <source>No data from the lidar for %1 s</source>
         <translation>已 %1 秒未收到雷达数据</translation>
     </message>
     <message>
         <location line="+6"/>
-        <source>%1 packets/s, %2 frames/s, last datagram %3 s ago</source>
-        <translation>%1 包/秒，%2 帧/秒，上一个数据报在 %3 秒前</translation>
+        <source>%1 packets/s, %2 frames/s, %3 s ago</source>
+        <translation>%1 包/秒，%2 帧/秒，%3 秒前</translation>
     </message>
     <message>
         <location line="+2"/>
-        <source>%1 kB/s, %2 frames/s, last data %3 s ago</source>
-        <translation>%1 kB/秒，%2 帧/秒，上次数据在 %3 秒前</translation>
+        <source>%1 kB/s, %2 frames/s, %3 s ago</source>
+        <translation>%1 kB/秒，%2 帧/秒，%3 秒前</translation>
     </message>
     <message>
         <location line="+11"/>
-        <source>Link to the lidar. frames/s counts the revolutions the lidar completes; the FPS figure in the view counts how often the view is drawn.</source>
-        <translation>与雷达的链路。帧/秒是雷达每秒完成的旋转圈数；视图中的 FPS 是视图每秒绘制的次数。</translation>
+        <source>Link to the lidar: packets (over a serial port, kilobytes) and frames per second, and how long ago the last data arrived. frames/s counts the revolutions the lidar completes; the FPS figure in the view counts how often the view is drawn.</source>
+        <translation>与雷达的链路：每秒数据包数（串口为千字节数）和帧数，以及距上次收到数据的时间。帧/秒是雷达每秒完成的旋转圈数；视图中的 FPS 是视图每秒绘制的次数。</translation>
     </message>
 </context>
 <context>
