@@ -5,16 +5,22 @@
 #include "GridPolarDialog.h"
 #include "DeviceSettingsPanel.h"
 #include "CaptureFile.h"
+#include "ColourLegendOverlay.h"
 #include "IniSettings.h"
+#include "KeyboardShortcuts.h"
 #include "LIdarFactory.h"
 #include "LidarAnalysis.h"
 #include "NetworkToolLauncher.h"
+#include "LinkStatusReadout.h"
+#include "MessageBoxFit.h"
 #include "OffinePlayWidget.h"
 #include "OfflineDrop.h"
 #include "OverlayPainter.h"
 #include "PointTableRow.h"
 #include "RangingMarks.h"
 #include "StatusReadouts.h"
+#include "RecentFolder.h"
+#include "RenderRateTip.h"
 #include "TableViewToolBar.h"
 #include "UserMessages.h"
 #include "ui_ScanDeck.h"
@@ -26,6 +32,7 @@
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QFile>
+#include <QFileInfo>
 #include <QLabel>
 #include <QMouseEvent>
 #include <QProcess>
@@ -82,6 +89,8 @@ ScanDeck::ScanDeck(QWidget* parent)
       m_wiredFuture(m_wired.get_future().share())
 {
     ui->setupUi(this);
+    // Qt's own message boxes (the file dialogs') show their whole text too.
+    messagebox::fitAllMessageBoxes();
     initUi();
     // The frame types are registered and the controls connected off the GUI
     // thread. A thread that cannot be started throws std::system_error.
@@ -127,6 +136,8 @@ void ScanDeck::initUi()
 
     initViewer();
     ui->openGLWidget->setAcceptDrops(true);
+    m_legend = new ColourLegendOverlay(ui->openGLWidget, ui->comboBox_color_mode);
+    new RenderRateTip(ui->openGLWidget);
 
     m_devicePanel = new DeviceSettingsPanel(
         {ui->btn_motor_state, ui->comboBox_motor_filter, ui->comboBox_motor_frequency, ui->btn_GPS_test}, this);
@@ -166,6 +177,10 @@ void ScanDeck::initUi()
         usermessages::information(this, title, text);
     });
     addAction(ui->act_grid);  // its shortcut works anywhere in the window
+    initShortcuts();
+    // The keyboard starts in the view, where the frame keys are not taken
+    // by a spin box.
+    ui->openGLWidget->setFocus();
 
     QApplication::processEvents();
 }
@@ -218,6 +233,8 @@ void ScanDeck::initStatusBar()
     m_progressBar->setMaximumWidth(240);
     m_progressBar->hide();
     statusBar()->addPermanentWidget(m_progressBar);
+    m_linkStatus = new LinkStatusReadout(this);
+    statusBar()->insertPermanentWidget(0, m_linkStatus);
 
     auto* link = new QLabel(this);
     link->setObjectName(QStringLiteral("label_link"));
@@ -344,6 +361,7 @@ void ScanDeck::showAbout()
     if (m_live.isConnected())
         firmware = m_live.session()->GetLidarParam().text;
     m_about->setTexts(LIdarFactory::VersionText(), firmware);
+    m_about->setShortcuts(m_shortcuts->list());
     m_about->show();
     m_about->raise();
     m_about->activateWindow();
@@ -425,6 +443,18 @@ void ScanDeck::playDroppedFile(const QString& path)
     if (m_playing)
         ui->btn_play_pause->click();  // pause the live display first
     ui->offline->stop();
-    ui->offline->loadFrames(parsed.first, parsed.second);
+    IniSettings settings;
+    recentfolder::remember(settings, path);
+    ui->offline->loadFrames(parsed.first, parsed.second, path);
     ui->tabWidget->setCurrentWidget(ui->tab_offline);
+}
+
+void ScanDeck::showPlaybackTitle(const QString& path)
+{
+    if (!ui->offline->isLoaded())
+        setWindowTitle(QStringLiteral("ScanDeck"));
+    else if (path.isEmpty())
+        setWindowTitle(m_playbackModel);
+    else
+        setWindowTitle(QStringLiteral("%1 — %2").arg(m_playbackModel, QFileInfo(path).fileName()));
 }

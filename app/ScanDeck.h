@@ -31,6 +31,9 @@ class BoxSelectionDialog;
 class DeviceSettingsPanel;
 class GridPolarDialog;
 class ExportDataDialog;
+class ColourLegendOverlay;
+class KeyboardShortcuts;
+class LinkStatusReadout;
 class LidarAnalysis;
 class NetworkToolLauncher;
 class OverlayPainter;
@@ -197,6 +200,7 @@ private:
     void initUi();
     void initViewer();
     void initStatusBar();
+    void initShortcuts();
     void applyStyleSheet();
     void applyStartLanguage();
     void resetReadouts();
@@ -208,6 +212,8 @@ private:
     void applyLiveState(bool connected);
     // What a confirmed connection changes in the window.
     void enterConnectedState();
+    // The link status follows the connected session's traffic.
+    void watchLink();
     QString askSavePath(const QString& proposed);
     // The save dialogs of the exports: the test hook when there is one.
     QString askSavePath(QWidget* parent, const QString& caption, const QString& proposed, const QString& filter);
@@ -250,6 +256,8 @@ private:
     void addPickedRow(int index);
     // Range finding off and its marks gone from the view.
     void resetMeasurement();
+    // The window title while a recording plays: its model and file name.
+    void showPlaybackTitle(const QString& path);
     void writeCsvFrame(const lidar::LidarDataPoint_V4& frame);
 
     Ui::ScanDeckClass* ui;
@@ -269,6 +277,10 @@ private:
     AboutDialog* m_about = nullptr;
     DeviceSettingsPanel* m_devicePanel = nullptr;
     NetworkToolLauncher* m_networkTool = nullptr;
+    LinkStatusReadout* m_linkStatus = nullptr;
+    ColourLegendOverlay* m_legend = nullptr;
+    KeyboardShortcuts* m_shortcuts = nullptr;
+    QString m_playbackModel;
     lidar::LidarDataPoint_V4 m_lastFrame;
     int m_pointSize = 4;
     bool m_playing = false;

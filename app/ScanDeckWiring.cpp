@@ -4,6 +4,8 @@
 #include "ScanDeck.h"
 
 #include "DeviceSettingsPanel.h"
+#include "ColourLegendOverlay.h"
+#include "KeyboardShortcuts.h"
 #include "LidarAnalysis.h"
 #include "OffinePlayWidget.h"
 #include "ui_ScanDeck.h"
@@ -53,6 +55,45 @@ void ScanDeck::wireSignals()
     // The Grid action (Ctrl+G) is another way to the grid button.
     connect(u->act_grid, &QAction::triggered, u->btn_grid, &Button::click);
     connect(u->btn_grid, &Button::toggled, u->act_grid, &QAction::setChecked);
+    connect(u->btn_legend, &Button::toggled, m_legend, &ColourLegendOverlay::setShown);
+}
+
+// Space, the arrows, Home and End act on the recording when one is loaded,
+// Space on the live display otherwise (a loaded recording and a live link
+// exclude each other).
+void ScanDeck::initShortcuts()
+{
+    m_shortcuts = new KeyboardShortcuts(this);
+    OffinePlayWidget* player = ui->offline;
+    auto& keys = *m_shortcuts;
+    keys.add(Qt::Key_Space, QT_TRANSLATE_NOOP("KeyboardShortcuts", "Play or pause (recording or live display)"),
+             [this, player] {
+                 if (player->isLoaded())
+                     player->playPause();
+                 else if (ui->btn_play_pause->isEnabled())
+                     ui->btn_play_pause->click();
+             });
+    keys.add(Qt::Key_Left, QT_TRANSLATE_NOOP("KeyboardShortcuts", "Previous frame"), [player] { player->previousFrame(); });
+    keys.add(Qt::Key_Right, QT_TRANSLATE_NOOP("KeyboardShortcuts", "Next frame"), [player] { player->nextFrame(); });
+    keys.add(Qt::Key_Home, QT_TRANSLATE_NOOP("KeyboardShortcuts", "First frame"), [player] { player->firstFrame(); });
+    keys.add(Qt::Key_End, QT_TRANSLATE_NOOP("KeyboardShortcuts", "Last frame"), [player] { player->lastFrame(); });
+    keys.add(QKeySequence::Open, QT_TRANSLATE_NOOP("KeyboardShortcuts", "Open a recording"), [this, player] {
+        ui->tabWidget->setCurrentWidget(ui->tab_offline);
+        player->openIfAllowed();
+    });
+    keys.add(Qt::CTRL | Qt::Key_E, QT_TRANSLATE_NOOP("KeyboardShortcuts", "Export frames to CSV (start or stop)"),
+             [this, player] {
+                 if (player->isLoaded())
+                     player->toggleExportIfAllowed();
+                 else if (ui->btn_export_csv->isEnabled())
+                     ui->btn_export_csv->click();
+             });
+    keys.add(Qt::Key_F1, QT_TRANSLATE_NOOP("KeyboardShortcuts", "This list and the version (About)"),
+             [this] { showAbout(); });
+    // Listed only: the grid action and the view's own keys.
+    keys.add(Qt::CTRL | Qt::Key_G, QT_TRANSLATE_NOOP("KeyboardShortcuts", "Grid on or off"), nullptr);
+    keys.add(Qt::Key_Plus, QT_TRANSLATE_NOOP("KeyboardShortcuts", "Larger points (in the view)"), nullptr);
+    keys.add(Qt::Key_Minus, QT_TRANSLATE_NOOP("KeyboardShortcuts", "Smaller points (in the view)"), nullptr);
 }
 
 void ScanDeck::wireOfflinePlayer()
@@ -60,7 +101,11 @@ void ScanDeck::wireOfflinePlayer()
     OffinePlayWidget* player = ui->offline;
     // Direct: each tick of the player draws before it returns.
     connect(player, &OffinePlayWidget::SendLidarDataSignal, this, &ScanDeck::showFrame, Qt::DirectConnection);
-    connect(player, &OffinePlayWidget::SendLidarTypeSignal, this, &ScanDeck::setWindowTitle);
+    connect(player, &OffinePlayWidget::SendLidarTypeSignal, this, [this](const QString& model) {
+        m_playbackModel = model;
+        setWindowTitle(model);
+    });
+    connect(player, &OffinePlayWidget::SendPlaybackFileSignal, this, &ScanDeck::showPlaybackTitle);
     connect(player, &OffinePlayWidget::SendShowTableWidgetSignal, this, [this](bool bShow) {
         if (bShow != ui->btn_table->isChecked())
             ui->btn_table->click();

@@ -2,13 +2,15 @@
 
 #include "CaptureFrames.h"
 #include "CaptureModelDialog.h"
+#include "IniSettings.h"
 #include "LIdarFactory.h"
+#include "RecentFolder.h"
+#include "UserMessages.h"
 #include "ui_OffinePlayWidget.h"
 
 #include <QDir>
 #include <QFileDialog>
 #include <QKeyEvent>
-#include <QMessageBox>
 #include <QTimerEvent>
 
 namespace {
@@ -45,7 +47,7 @@ void OffinePlayWidget::setMessageHook(MessageHook hook)
         messageHook = std::move(hook);
         return;
     }
-    messageHook = [this](const QString& title, const QString& text) { QMessageBox::information(this, title, text); };
+    messageHook = [this](const QString& title, const QString& text) { usermessages::information(this, title, text); };
 }
 
 void OffinePlayWidget::setOpenFileHook(OpenFileHook hook)
@@ -153,15 +155,19 @@ void OffinePlayWidget::openFile()
         inform(tr("information"), tr("Please disconnect first!"));
         return;
     }
+    IniSettings settings;
+    const QString filter = tr("Recordings (*.txt)") + QStringLiteral(";;") + tr("Captures (*.pcap *.pcapng)")
+                           + QStringLiteral(";;") + tr("All files (*)");
     const QString path =
-        openFileHook(tr("Open File"), QDir::homePath() + "/", QStringLiteral("*.txt *.pcap *.pcapng"));
+        openFileHook(tr("Open File"), recentfolder::folder(settings, QDir::homePath() + "/"), filter);
     if (path.isEmpty())
         return;
+    recentfolder::remember(settings, path);
     if (capture::looksLikeCaptureFile(path)) {
         QString model;
         QVector<lidar::LidarDataPoint_V4> captured;
         if (readCapture(path, model, captured))
-            loadFrames(model, captured);
+            loadFrames(model, captured, path);
         return;
     }
     const auto parsed = LIdarFactory::GetInstance()->ParseFile(path);
@@ -169,10 +175,11 @@ void OffinePlayWidget::openFile()
         inform(tr("information"), tr("Unable to parse this file"));
         return;
     }
-    loadFrames(parsed.first, parsed.second);
+    loadFrames(parsed.first, parsed.second, path);
 }
 
-void OffinePlayWidget::loadFrames(const QString& name, const QVector<lidar::LidarDataPoint_V4>& newFrames)
+void OffinePlayWidget::loadFrames(const QString& name, const QVector<lidar::LidarDataPoint_V4>& newFrames,
+                                  const QString& path)
 {
     frames = newFrames;
     if (frames.isEmpty()) {
@@ -180,6 +187,7 @@ void OffinePlayWidget::loadFrames(const QString& name, const QVector<lidar::Lida
         return;
     }
     loaded = true;
+    file = path;
     current = 0;
     count = frames.size();
 
@@ -191,6 +199,7 @@ void OffinePlayWidget::loadFrames(const QString& name, const QVector<lidar::Lida
 
     setControlsLoaded(true);
     emit SendLidarTypeSignal(name);
+    emit SendPlaybackFileSignal(file);
     emit SendLidarDataSignal(frames.first());
 }
 
@@ -280,6 +289,30 @@ void OffinePlayWidget::nextFrame()
     showFrameAt(qMin(current + 1, count));
 }
 
+void OffinePlayWidget::firstFrame()
+{
+    if (!frames.isEmpty())
+        showFrameAt(1);
+}
+
+void OffinePlayWidget::lastFrame()
+{
+    if (!frames.isEmpty())
+        showFrameAt(count);
+}
+
+void OffinePlayWidget::openIfAllowed()
+{
+    if (ui->btn_open_file->isEnabled())
+        ui->btn_open_file->click();
+}
+
+void OffinePlayWidget::toggleExportIfAllowed()
+{
+    if (ui->btn_export_csv->isEnabled())
+        ui->btn_export_csv->click();
+}
+
 void OffinePlayWidget::seekFromSlider(int value)
 {
     if (value < 1 || value > count || frames.isEmpty())
@@ -308,12 +341,12 @@ void OffinePlayWidget::seekFromSpinBox()
     // Judge the typed text, not value(): text the range rejects (0, an empty
     // box) never becomes the value, and silently showing the old position
     // instead would hide the mistake.
-    QSpinBox* box = ui->spinBox_progress;
+    FrameNumberBox* box = ui->spinBox_progress;
     bool isNumber = false;
     const int typed = box->cleanText().toInt(&isNumber);
     if (!isNumber || typed < 1 || typed > count) {
         inform(tr("information"), tr("There is an error in the input. Please enter it again"));
-        box->setValue(qBound(1, current, count));
+        box->resetTo(qBound(1, current, count));
         box->selectAll();
         return;
     }
@@ -326,7 +359,9 @@ void OffinePlayWidget::seekFromSpinBox()
 void OffinePlayWidget::stop()
 {
     playing = false;
+    const bool wasLoaded = loaded;
     loaded = false;
+    file.clear();
     stopPlaybackTimer();
     frames.clear();
     packets.clear();
@@ -336,6 +371,8 @@ void OffinePlayWidget::stop()
     ui->btn_play->setChecked(false);
     ui->spinBox_progress->clear();
     setControlsLoaded(false);
+    if (wasLoaded)
+        emit SendPlaybackFileSignal(QString());
     emit SendLidarDataSignal(emptyFrame());
 }
 

@@ -40,9 +40,13 @@ public:
 
     // True while a file is loaded; the main window refuses live connections then.
     bool isLoaded() const { return loaded; }
-    // Takes over the frames of a parsed recording of model `name` and shows
-    // the first one. No frames: "Unable to parse this file", nothing changes.
-    void loadFrames(const QString& name, const QVector<lidar::LidarDataPoint_V4>& newFrames);
+    // Takes over the frames of a parsed recording of model `name` (read from
+    // `path`, if known) and shows the first one. No frames: "Unable to parse
+    // this file", nothing changes.
+    void loadFrames(const QString& name, const QVector<lidar::LidarDataPoint_V4>& newFrames,
+                    const QString& path = QString());
+    // The file being played; empty when none is loaded or it came without a path.
+    QString currentFile() const { return file; }
 
     void setExportAction(ExportAction action) { exportAction = std::move(action); }
     // Empty hooks restore the defaults (QMessageBox::information, QFileDialog).
@@ -69,12 +73,19 @@ signals:
     void SendShowTableWidgetSignal(bool bShow);
     void SendExportCsvDataSianal(bool checked);
     void SendEndSaveDataSignal(QString fileName);
+    // The file now being played, or an empty path once Stop unloads it.
+    void SendPlaybackFileSignal(QString path);
 
 public slots:
     void openFile();
     void playPause();
     void previousFrame();
     void nextFrame();
+    void firstFrame();
+    void lastFrame();
+    // What the buttons do, unless they are disabled (keyboard shortcuts).
+    void openIfAllowed();
+    void toggleExportIfAllowed();
     // Unloads the file and empties the display with an empty frame.
     void stop();
     void setSpeed(int index);
@@ -111,6 +122,7 @@ private:
     bool playing = false;
     int interval = 100;  // ms
     bool loaded = false;
+    QString file;
     ExportAction exportAction;
 
     MessageHook messageHook;

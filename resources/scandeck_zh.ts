@@ -4,7 +4,7 @@
 <context>
     <name>AboutDialog</name>
     <message>
-        <location filename="../app/AboutDialog.cpp" line="+70"/>
+        <location filename="../app/AboutDialog.cpp" line="+89"/>
         <source>About</source>
         <translation>关于</translation>
     </message>
@@ -12,6 +12,11 @@
         <location line="+1"/>
         <source>Lidar firmware:</source>
         <translation>雷达固件版本：</translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>Keyboard shortcuts:</source>
+        <translation>键盘快捷键：</translation>
     </message>
 </context>
 <context>
@@ -118,6 +123,14 @@
     </message>
 </context>
 <context>
+    <name>ColourLegend</name>
+    <message>
+        <location filename="../app/ColourLegend.cpp" line="+21"/>
+        <source>every point</source>
+        <translation>所有点</translation>
+    </message>
+</context>
+<context>
     <name>DemoLidar</name>
     <message>
         <location filename="../app/DemoLidar.cpp" line="+52"/>
@@ -216,6 +229,14 @@
         <location line="+0"/>
         <source>The number of saves must be greater than zero</source>
         <translation>保存帧数必须大于零</translation>
+    </message>
+</context>
+<context>
+    <name>FrameNumberBox</name>
+    <message>
+        <location filename="../playback/FrameNumberBox.cpp" line="+49"/>
+        <source>No frame %1: enter a number from %2 to %3</source>
+        <translation>没有第 %1 帧：请输入 %2 到 %3 之间的数字</translation>
     </message>
 </context>
 <context>
@@ -350,6 +371,64 @@
     </message>
 </context>
 <context>
+    <name>KeyboardShortcuts</name>
+    <message>
+        <location filename="../app/ScanDeckWiring.cpp" line="+69"/>
+        <source>Play or pause (recording or live display)</source>
+        <translation>播放或暂停（录制文件或实时显示）</translation>
+    </message>
+    <message>
+        <location line="+7"/>
+        <source>Previous frame</source>
+        <translation>上一帧</translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>Next frame</source>
+        <translation>下一帧</translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>First frame</source>
+        <translation>第一帧</translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>Last frame</source>
+        <translation>最后一帧</translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>Open a recording</source>
+        <translation>打开录制文件</translation>
+    </message>
+    <message>
+        <location line="+4"/>
+        <source>Export frames to CSV (start or stop)</source>
+        <translation>导出帧到 CSV（开始或停止）</translation>
+    </message>
+    <message>
+        <location line="+7"/>
+        <source>This list and the version (About)</source>
+        <translation>本列表与版本信息（关于）</translation>
+    </message>
+    <message>
+        <location line="+3"/>
+        <source>Grid on or off</source>
+        <translation>打开或关闭网格</translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>Larger points (in the view)</source>
+        <translation>增大点（在视图中）</translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>Smaller points (in the view)</source>
+        <translation>减小点（在视图中）</translation>
+    </message>
+</context>
+<context>
     <name>LidarAnalysis</name>
     <message>
         <location filename="../lidar/LidarAnalysis.cpp" line="+53"/>
@@ -357,9 +436,32 @@
         <translation>请设置有效的连接状态！</translation>
     </message>
     <message>
-        <location line="+34"/>
+        <location line="+41"/>
         <source>Failed to send data</source>
         <translation>数据发送失败</translation>
+    </message>
+</context>
+<context>
+    <name>LinkStatusReadout</name>
+    <message>
+        <location filename="../app/LinkStatusReadout.cpp" line="+64"/>
+        <source>No data from the lidar for %1 s</source>
+        <translation>已 %1 秒未收到雷达数据</translation>
+    </message>
+    <message>
+        <location line="+6"/>
+        <source>%1 packets/s, %2 frames/s, %3 s ago</source>
+        <translation>%1 包/秒，%2 帧/秒，%3 秒前</translation>
+    </message>
+    <message>
+        <location line="+2"/>
+        <source>%1 kB/s, %2 frames/s, %3 s ago</source>
+        <translation>%1 kB/秒，%2 帧/秒，%3 秒前</translation>
+    </message>
+    <message>
+        <location line="+11"/>
+        <source>Link to the lidar: packets (over a serial port, kilobytes) and frames per second, and how long ago the last data arrived. frames/s counts the revolutions the lidar completes; the FPS figure in the view counts how often the view is drawn.</source>
+        <translation>与雷达的链路：每秒数据包数（串口为千字节数）和帧数，以及距上次收到数据的时间。帧/秒是雷达每秒完成的旋转圈数；视图中的 FPS 是视图每秒绘制的次数。</translation>
     </message>
 </context>
 <context>
@@ -371,23 +473,28 @@
     </message>
     <message>
         <location line="+6"/>
+        <source>Open a recording (Ctrl+O)</source>
+        <translation>打开录制文件（Ctrl+O）</translation>
+    </message>
+    <message>
+        <location line="+3"/>
         <source>Open offline data</source>
         <translation>打开离线数据</translation>
     </message>
     <message>
         <location line="+11"/>
-        <source>Previous frame</source>
-        <translation>上一帧</translation>
+        <source>Previous frame (Left)</source>
+        <translation>上一帧（左方向键）</translation>
     </message>
     <message>
         <location line="+11"/>
-        <source>Play / pause</source>
-        <translation>播放 / 暂停</translation>
+        <source>Play / pause (Space)</source>
+        <translation>播放 / 暂停（空格）</translation>
     </message>
     <message>
         <location line="+15"/>
-        <source>Next frame</source>
-        <translation>下一帧</translation>
+        <source>Next frame (Right)</source>
+        <translation>下一帧（右方向键）</translation>
     </message>
     <message>
         <location line="+11"/>
@@ -395,7 +502,7 @@
         <translation>循环播放</translation>
     </message>
     <message>
-        <location line="+14"/>
+        <location line="+15"/>
         <source>Stop</source>
         <translation>停止</translation>
     </message>
@@ -425,50 +532,75 @@
         <translation>X3</translation>
     </message>
     <message>
-        <location line="+38"/>
+        <location line="+8"/>
+        <source>Position in the recording (Home: first frame, End: last frame)</source>
+        <translation>录制文件中的位置（Home：第一帧，End：最后一帧）</translation>
+    </message>
+    <message>
+        <location line="+33"/>
         <source>Data Show</source>
         <translation>数据显示</translation>
     </message>
     <message>
-        <location line="+14"/>
+        <location line="+15"/>
+        <source>Export the next frames to a CSV file (Ctrl+E)</source>
+        <translation>将接下来的若干帧导出到 CSV 文件（Ctrl+E）</translation>
+    </message>
+    <message>
+        <location line="+3"/>
         <source>Export csv</source>
         <translation>导出 CSV</translation>
     </message>
     <message>
-        <location filename="../playback/OffinePlayWidget.cpp" line="+88"/>
+        <location filename="../playback/OffinePlayWidget.cpp" line="+90"/>
         <location line="+4"/>
         <location line="+4"/>
         <location line="+57"/>
-        <location line="+16"/>
-        <location line="+10"/>
-        <location line="+136"/>
+        <location line="+20"/>
+        <location line="+11"/>
+        <location line="+162"/>
         <source>information</source>
         <translation>提示</translation>
     </message>
     <message>
-        <location line="-162"/>
+        <location line="-193"/>
         <source>Please disconnect first!</source>
         <translation>请先断开连接！</translation>
     </message>
     <message>
-        <location line="+4"/>
+        <location line="+7"/>
         <source>Open File</source>
         <translation>打开文件</translation>
     </message>
     <message>
-        <location line="-65"/>
-        <location line="+77"/>
-        <location line="+10"/>
+        <location line="-68"/>
+        <location line="+81"/>
+        <location line="+11"/>
         <source>Unable to parse this file</source>
         <translation>无法解析该文件</translation>
     </message>
     <message>
-        <location line="+136"/>
+        <location line="-27"/>
+        <source>Recordings (*.txt)</source>
+        <translation>录制文件 (*.txt)</translation>
+    </message>
+    <message>
+        <location line="+0"/>
+        <source>Captures (*.pcap *.pcapng)</source>
+        <translation>抓包文件 (*.pcap *.pcapng)</translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>All files (*)</source>
+        <translation>所有文件 (*)</translation>
+    </message>
+    <message>
+        <location line="+188"/>
         <source>There is an error in the input. Please enter it again</source>
         <translation>输入有误，请重新输入</translation>
     </message>
     <message>
-        <location line="+29"/>
+        <location line="+33"/>
         <source>File saved</source>
         <translation>文件已保存</translation>
     </message>
@@ -585,9 +717,17 @@
     </message>
 </context>
 <context>
+    <name>RenderRateTip</name>
+    <message>
+        <location filename="../app/RenderRateTip.cpp" line="+22"/>
+        <source>FPS: how many times per second the view is drawn. The lidar&apos;s own rate (frames/s) is in the link status at the bottom of the window.</source>
+        <translation>FPS：视图每秒绘制的次数。雷达自身的帧率（帧/秒）显示在窗口底部的链路状态中。</translation>
+    </message>
+</context>
+<context>
     <name>ScanDeck</name>
     <message>
-        <location filename="../app/ScanDeck.cpp" line="+332"/>
+        <location filename="../app/ScanDeck.cpp" line="+349"/>
         <source>restart</source>
         <translation>重启</translation>
     </message>
@@ -598,8 +738,8 @@
     </message>
     <message>
         <location filename="../app/main.cpp" line="+37"/>
-        <location filename="../app/ScanDeck.cpp" line="+22"/>
-        <location filename="../app/ScanDeckLive.cpp" line="+153"/>
+        <location filename="../app/ScanDeck.cpp" line="+23"/>
+        <location filename="../app/ScanDeckLive.cpp" line="+175"/>
         <source>warning</source>
         <translation>警告</translation>
     </message>
@@ -634,7 +774,7 @@
     </message>
     <message>
         <location line="+41"/>
-        <location filename="../app/ScanDeckLive.cpp" line="-78"/>
+        <location filename="../app/ScanDeckLive.cpp" line="-82"/>
         <location line="+13"/>
         <location line="+6"/>
         <source>information</source>
@@ -662,7 +802,7 @@
         <translation>自动连接失败，请手动连接雷达！</translation>
     </message>
     <message>
-        <location line="+23"/>
+        <location line="+24"/>
         <location line="+22"/>
         <source>Please connect the radar first</source>
         <translation>请先连接雷达</translation>
@@ -683,7 +823,7 @@
         <translation>已录制数据</translation>
     </message>
     <message>
-        <location line="+17"/>
+        <location line="+20"/>
         <source>Unable to create the file %1</source>
         <translation>无法创建文件 %1</translation>
     </message>
@@ -769,17 +909,12 @@
         <translation>断开</translation>
     </message>
     <message>
-        <location line="+39"/>
+        <location line="+40"/>
         <source>play</source>
         <translation>播放</translation>
     </message>
     <message>
-        <location line="+23"/>
-        <source>Pause or resume the live display</source>
-        <translation>暂停或继续实时显示</translation>
-    </message>
-    <message>
-        <location line="+13"/>
+        <location line="+36"/>
         <source>Clear</source>
         <translation>清空</translation>
     </message>
@@ -794,7 +929,7 @@
         <translation>录制数据</translation>
     </message>
     <message>
-        <location line="+22"/>
+        <location line="+23"/>
         <source>Record the raw data stream to a file</source>
         <translation>将原始数据流录制到文件</translation>
     </message>
@@ -804,12 +939,7 @@
         <translation>导出 CSV</translation>
     </message>
     <message>
-        <location line="+22"/>
-        <source>Write the next frames to a CSV file</source>
-        <translation>将接下来的若干帧写入 CSV 文件</translation>
-    </message>
-    <message>
-        <location line="+21"/>
+        <location line="+44"/>
         <source>offline</source>
         <translation>离线</translation>
     </message>
@@ -929,38 +1059,33 @@
         <translation>纯色</translation>
     </message>
     <message>
-        <location line="+25"/>
-        <source>Version of ScanDeck and of the connected lidar</source>
-        <translation>ScanDeck 与已连接雷达的版本</translation>
-    </message>
-    <message>
-        <location line="+90"/>
+        <location line="+148"/>
         <source>Range Finding</source>
         <translation>测距</translation>
     </message>
     <message>
-        <location line="+29"/>
+        <location line="+30"/>
         <source>Point Cloud Box</source>
         <translation>点云框选</translation>
     </message>
     <message>
-        <location line="+32"/>
+        <location line="+33"/>
         <source>Range Resize</source>
         <translation>范围调整</translation>
     </message>
     <message>
         <location line="+33"/>
-        <location line="+345"/>
+        <location line="+353"/>
         <source>Grid</source>
         <translation>网格</translation>
     </message>
     <message>
-        <location line="-316"/>
+        <location line="-323"/>
         <source>Polar</source>
         <translation>极坐标</translation>
     </message>
     <message>
-        <location line="+29"/>
+        <location line="+30"/>
         <source>Set Grid and Polar</source>
         <translation>网格与极坐标设置</translation>
     </message>
@@ -970,37 +1095,62 @@
         <translation>坐标轴</translation>
     </message>
     <message>
-        <location line="+29"/>
+        <location line="+30"/>
         <source>Top</source>
         <translation>俯视</translation>
     </message>
     <message>
-        <location line="+29"/>
+        <location line="+30"/>
         <source>Front</source>
         <translation>前视</translation>
     </message>
     <message>
-        <location line="+29"/>
+        <location line="+30"/>
         <source>Left</source>
         <translation>左视</translation>
     </message>
     <message>
-        <location line="+29"/>
+        <location line="+30"/>
         <source>Right</source>
         <translation>右视</translation>
     </message>
     <message>
-        <location line="+36"/>
+        <location line="+37"/>
         <source>Point Table</source>
         <translation>点表</translation>
     </message>
     <message>
-        <location line="-424"/>
+        <location line="-433"/>
         <source>About</source>
         <translation>关于</translation>
     </message>
     <message>
-        <location line="+23"/>
+        <location line="-653"/>
+        <source>Pause or resume the live display (Space)</source>
+        <translation>暂停或继续实时显示（空格）</translation>
+    </message>
+    <message>
+        <location line="+111"/>
+        <source>Write the next frames to a CSV file (Ctrl+E)</source>
+        <translation>将接下来的若干帧写入 CSV 文件（Ctrl+E）</translation>
+    </message>
+    <message>
+        <location line="+493"/>
+        <source>Show or hide the colour legend in the view</source>
+        <translation>显示或隐藏视图中的颜色图例</translation>
+    </message>
+    <message>
+        <location line="+3"/>
+        <source>Legend</source>
+        <translation>图例</translation>
+    </message>
+    <message>
+        <location line="+43"/>
+        <source>Version of ScanDeck and of the connected lidar, and the keyboard shortcuts (F1)</source>
+        <translation>ScanDeck 与已连接雷达的版本，以及键盘快捷键（F1）</translation>
+    </message>
+    <message>
+        <location line="+26"/>
         <source>Hide or show the panel above</source>
         <translation>隐藏或显示上方面板</translation>
     </message>
@@ -1015,12 +1165,12 @@
         <translation>测距 – 点击两个点测量它们之间的距离</translation>
     </message>
     <message>
-        <location line="+29"/>
+        <location line="+30"/>
         <source>Point Cloud Box – drag a rectangle to select the points inside</source>
         <translation>点云框选 – 拖出矩形选取其中的点</translation>
     </message>
     <message>
-        <location line="+32"/>
+        <location line="+33"/>
         <source>Range Resize – edit the selection box</source>
         <translation>范围调整 – 编辑框选范围</translation>
     </message>
@@ -1030,12 +1180,12 @@
         <translation>网格 – 地面上的方形网格（Ctrl+G）</translation>
     </message>
     <message>
-        <location line="+29"/>
+        <location line="+30"/>
         <source>Polar – range rings around the lidar</source>
         <translation>极坐标 – 雷达周围的距离环</translation>
     </message>
     <message>
-        <location line="+29"/>
+        <location line="+30"/>
         <source>Set Grid and Polar – colour and spacing of grid and rings</source>
         <translation>网格与极坐标设置 – 网格和距离环的颜色与间距</translation>
     </message>
@@ -1045,32 +1195,32 @@
         <translation>坐标轴 – 雷达处的坐标轴</translation>
     </message>
     <message>
-        <location line="+29"/>
+        <location line="+30"/>
         <source>Top – view from above</source>
         <translation>俯视 – 从上方观察</translation>
     </message>
     <message>
-        <location line="+29"/>
+        <location line="+30"/>
         <source>Front – view from the front</source>
         <translation>前视 – 从前方观察</translation>
     </message>
     <message>
-        <location line="+29"/>
+        <location line="+30"/>
         <source>Left – view from the left</source>
         <translation>左视 – 从左侧观察</translation>
     </message>
     <message>
-        <location line="+29"/>
+        <location line="+30"/>
         <source>Right – view from the right</source>
         <translation>右视 – 从右侧观察</translation>
     </message>
     <message>
-        <location line="+36"/>
+        <location line="+37"/>
         <source>Point Table – the points of the frame as a table</source>
         <translation>点表 – 以表格显示当前帧的点</translation>
     </message>
     <message>
-        <location line="+108"/>
+        <location line="+109"/>
         <source>Ctrl+G</source>
         <translation>Ctrl+G</translation>
     </message>

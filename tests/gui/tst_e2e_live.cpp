@@ -1,11 +1,13 @@
 // The main window against a simulated lidar: each model over UDP and each
 // family over a pseudo-terminal, with the device panel its settings give it,
-// pausing while recording, the recording played back against what was shown
-// live, the automatic connection (failed, cancelled, found), and the demo
-// mode in the window and as the program itself.
+// the link status, pausing (Space) while recording, the recording played back
+// against what was shown live, the automatic connection (failed, cancelled,
+// found), and the demo mode in the window (falling silent) and as the program
+// itself.
 
 #include "AutoConnector.h"
 #include "DemoLidar.h"
+#include "LinkStatusReadout.h"
 #include "OffinePlayWidget.h"
 #include "tst_scandeck_support.h"
 
@@ -105,14 +107,21 @@ void LiveEndToEndTest::connectRecordDisconnect()
     QCOMPARE(w->session()->GetConnectionType(), int(serial ? lidar::SerialPortConnection : lidar::NetworkConnection));
     FrameCollector live(w->session().get());
     QVERIFY(waitFor([&] { return live.frames.size() >= 2 && w->frameCloud().size() > 300; }));
+    auto* link = w->findChild<LinkStatusReadout*>();
+    QVERIFY(link->isVisible());
+    QVERIFY2(waitFor([&] { return link->status().framesPerSecond() > 0; }), qPrintable(link->text()));
+    QVERIFY2(link->text().contains(serial ? " kB/s, " : " packets/s, "), qPrintable(link->text()));
 
     if (!serial) {
         click(w, "btn_save_data");
         const int atStart = framesSeen(live);
         QVERIFY(waitFor([&] { return framesSeen(live) >= atStart + 12; }, 10000));
         if (pause) {
-            // Paused, nothing more is shown, but the recording goes on.
-            click(w, "btn_play_pause");
+            // Paused (Space), nothing more is shown, but the recording goes on.
+            w->activateWindow();
+            QVERIFY(QTest::qWaitForWindowActive(w));
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
+            QVERIFY(!w->isPlaying());
             settle(150);  // frames sent before the pause may still be queued
             const int atPause = framesSeen(live);
             settle(800);
@@ -131,6 +140,7 @@ void LiveEndToEndTest::connectRecordDisconnect()
     // Disconnect: the start state again, and no more frames.
     click(w, "btn_disconnect");
     QCOMPARE(liveControlStates(w), kStartControls);
+    QVERIFY(!link->isVisible());
     QVERIFY(!w->isLidarConnected() && !w->viewer().contains("m_pointCloud"));
     settle(150);
     const int afterDisconnect = framesSeen(live);
@@ -229,6 +239,12 @@ void LiveEndToEndTest::demoMode()
         QCOMPARE(w->session()->lidarIp + w->session()->dataIp, QStringLiteral("127.0.0.1127.0.0.1"));
         QVERIFY(waitFor([&] { return w->frameCloud().size() > 300; }));
         QVERIFY(messages.texts.isEmpty());
+        // The lidar falls silent: the link status says so within about a second.
+        auto* link = w->findChild<LinkStatusReadout*>();
+        demo.stop();
+        QVERIFY2(waitFor([&] { return link->status().state() == LinkStatus::State::Silent; }, 3000),
+                 qPrintable(link->text()));
+        QVERIFY(link->text().startsWith(QStringLiteral("No data from the lidar for ")));
     }
     quietRegistry();
 

@@ -368,7 +368,7 @@ void ExportTest::capturesInThePlayer()
     if (!loads)
         return;
     QCOMPARE(player->frameCount(), 3);
-    QCOMPARE(w->windowTitle(), QStringLiteral("Wren_Plus"));
+    QCOMPARE(w->windowTitle(), QStringLiteral("Wren_Plus — ") + QFileInfo(path).fileName());
     QVERIFY(w->frameCloud().size() > 100);
     // The choice is kept for next time.
     QVERIFY(m_dir->settingsText().contains("capture model=Wren_Plus\ncapture data port=2368\n"));
