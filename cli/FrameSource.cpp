@@ -4,6 +4,7 @@
 #include "LIdarFactory.h"
 #include "RecordFile.h"
 #include "RecordingCheck.h"
+#include "RecordingHeader.h"
 #include "TernProtocol.h"
 
 #include <QDateTime>
@@ -173,7 +174,9 @@ std::unique_ptr<FrameSource> openFrameSource(const QString& path, const SourceOp
     }
     RecordingCheck check = checkRecording(path);
     if (!check.ok) {
-        error = QStringLiteral("%1: %2").arg(path, check.problem);
+        // The details stay: they show where the bytes stop making sense.
+        error = beginsLikeRecording(path) ? QStringLiteral("%1: %2").arg(path, check.problem)
+                                          : QStringLiteral("%1: not a ScanDeck recording: %2").arg(path, check.problem);
         return nullptr;
     }
     if (!options.model.isEmpty() && options.model != check.model) {

@@ -25,7 +25,7 @@ RecordingCheck checkRecording(const QString& fileName)
     if (size == 0)
         return failure(QStringLiteral("empty file"));
     if (size < 4)
-        return failure(QStringLiteral("not a recording (%1 bytes, too short for the element count)").arg(size));
+        return failure(QStringLiteral("%1 bytes, too short for the element count").arg(size));
 
     QDataStream in(&file);
     quint32 count = 0;
