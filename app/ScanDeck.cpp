@@ -23,6 +23,7 @@
 #include "RenderRateTip.h"
 #include "TableViewToolBar.h"
 #include "UserMessages.h"
+#include "WrappingStatusBar.h"
 #include "ui_ScanDeck.h"
 
 #include <QApplication>
@@ -225,6 +226,10 @@ void ScanDeck::initViewer()
 
 void ScanDeck::initStatusBar()
 {
+    // The readouts wrap into a second row rather than being cut on a narrow window.
+    auto* readouts = new WrappingStatusBar(statusBar());
+    m_linkStatus = new LinkStatusReadout(this);
+    readouts->addReadout(m_linkStatus);
     m_progressBar = new QProgressBar(this);
     m_progressBar->setRange(1, 100);
     // The value is the percentage: over the range 1..100 Qt's own text would be one off.
@@ -232,16 +237,14 @@ void ScanDeck::initStatusBar()
     m_progressBar->setFixedHeight(20);
     m_progressBar->setMaximumWidth(240);
     m_progressBar->hide();
-    statusBar()->addPermanentWidget(m_progressBar);
-    m_linkStatus = new LinkStatusReadout(this);
-    statusBar()->insertPermanentWidget(0, m_linkStatus);
+    readouts->addReadout(m_progressBar);
 
     auto* link = new QLabel(this);
     link->setObjectName(QStringLiteral("label_link"));
     link->setTextFormat(Qt::RichText);
     link->setOpenExternalLinks(true);
     link->setText(QStringLiteral("<a href=\"https://pointclouds.org\">Point Cloud Library</a>"));
-    statusBar()->addPermanentWidget(link);
+    readouts->addReadout(link);
 
     auto* views = new QButtonGroup(this);
     views->setExclusive(true);
@@ -255,7 +258,7 @@ void ScanDeck::initStatusBar()
         label->setObjectName(QLatin1String(name));
         label->setFont(font);
         label->setFixedWidth(width);
-        statusBar()->addPermanentWidget(label);
+        readouts->addReadout(label);
         return label;
     };
     m_motorSpeedLabel = makeLabel("label_motor_speed", 220);
@@ -341,6 +344,12 @@ void ScanDeck::slideInTab(int index)
     animation->setEasingCurve(QEasingCurve::OutBack);
     animation->setStartValue(QRect(end.x(), -70, end.width(), end.height()));
     animation->setEndValue(end);
+    // The page may have changed its height meanwhile (its controls wrap on
+    // a narrow window): the stack places it anew once it has landed.
+    connect(animation, &QPropertyAnimation::finished, page, [page] {
+        if (QWidget* stack = page->parentWidget(); stack && stack->layout())
+            stack->layout()->invalidate();
+    });
     animation->start(QAbstractAnimation::DeleteWhenStopped);
 }
 

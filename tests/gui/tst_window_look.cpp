@@ -1,12 +1,18 @@
 // How the window reads with the style sheet we ship: every message box shows
 // its whole text (a 200-character path with and without separators, in
-// English and Chinese, ours and Qt's own), and every checkable button shows
-// its icon unchecked, checked and disabled.
+// English and Chinese, ours and Qt's own), every checkable button shows its
+// icon unchecked, checked and disabled, and every page and the status bar fit
+// a laptop's screen in both languages.
 
 #include "tst_scandeck_support.h"
 
+#include <QAbstractSpinBox>
+#include <QComboBox>
 #include <QLabel>
 #include <QMessageBox>
+#include <QProgressBar>
+#include <QSlider>
+#include <QStatusBar>
 #include <QPushButton>
 #include <QTabWidget>
 #include <QTextLayout>
@@ -66,6 +72,63 @@ QString inspectMessageBox(const std::function<void()>& show, QString* labelText)
     return problem;
 }
 
+// The controls an operator reads: each should show its whole text.
+bool isControl(const QWidget* w)
+{
+    return qobject_cast<const QAbstractButton*>(w) || qobject_cast<const QLabel*>(w)
+           || qobject_cast<const QComboBox*>(w) || qobject_cast<const QAbstractSpinBox*>(w)
+           || qobject_cast<const QSlider*>(w) || qobject_cast<const QProgressBar*>(w);
+}
+
+// Visible controls of `area`, not the parts of other controls (a spin box's
+// line edit), with their rectangles in the area's coordinates.
+QVector<QPair<QWidget*, QRect>> controlsIn(QWidget* area)
+{
+    QVector<QPair<QWidget*, QRect>> controls;
+    for (QWidget* w : area->findChildren<QWidget*>()) {
+        if (!w->isVisible() || !isControl(w) || (w->parentWidget() && isControl(w->parentWidget())))
+            continue;
+        controls.append({w, QRect(w->mapTo(area, QPoint(0, 0)), w->size())});
+    }
+    return controls;
+}
+
+QString nameOf(const QWidget* w)
+{
+    return w->objectName().isEmpty() ? QString::fromLatin1(w->metaObject()->className()) : w->objectName();
+}
+
+// What does not fit in `area`: a control narrower or lower than its text
+// needs, a control reaching out of the area, two controls on top of each other.
+QStringList layoutProblems(QWidget* area)
+{
+    QStringList problems;
+    const auto controls = controlsIn(area);
+    for (int i = 0; i < controls.size(); ++i) {
+        QWidget* w = controls[i].first;
+        const QRect r = controls[i].second;
+        QSize needs;
+        if (auto* button = qobject_cast<QAbstractButton*>(w)) {
+            if (!button->text().isEmpty())
+                needs = button->sizeHint();
+        } else if (auto* label = qobject_cast<QLabel*>(w)) {
+            if (!label->wordWrap() && !label->text().isEmpty())
+                needs = label->minimumSizeHint();
+        } else if (auto* combo = qobject_cast<QComboBox*>(w)) {
+            needs = combo->minimumSizeHint();
+        }
+        if (needs.isValid() && (needs.width() > r.width() || needs.height() > r.height()))
+            problems << QStringLiteral("%1 is %2x%3, needs %4x%5")
+                            .arg(nameOf(w)).arg(r.width()).arg(r.height()).arg(needs.width()).arg(needs.height());
+        if (!area->rect().contains(r))
+            problems << QStringLiteral("%1 reaches out of %2").arg(nameOf(w), nameOf(area));
+        for (int j = i + 1; j < controls.size(); ++j)
+            if (r.intersects(controls[j].second))
+                problems << QStringLiteral("%1 overlaps %2").arg(nameOf(w), nameOf(controls[j].first));
+    }
+    return problems;
+}
+
 }  // namespace
 
 class WindowLookTest : public QObject {
@@ -77,6 +140,8 @@ private slots:
     void messageBoxShowsWholeText();
     void checkableButtonsShowIcons_data();
     void checkableButtonsShowIcons();
+    void everyPageFitsTheScreen_data();
+    void everyPageFitsTheScreen();
 
 private:
     QTranslator m_chinese;
@@ -193,6 +258,65 @@ void WindowLookTest::checkableButtonsShowIcons()
     QVERIFY2(tested.contains("btn_play") && tested.contains("btn_play_pause") && tested.contains("btn_legend"),
              qPrintable(tested.join(' ')));
     QVERIFY2(invisible.isEmpty(), qPrintable(invisible.join(", ")));
+}
+
+void WindowLookTest::everyPageFitsTheScreen_data()
+{
+    QTest::addColumn<QSize>("screen");
+    QTest::addColumn<QString>("language");
+    QTest::addColumn<int>("page");
+    for (const QSize screen : {QSize(1024, 768), QSize(1280, 800), QSize(1366, 768), QSize(1920, 1080)})
+        for (const QString language : {"English", "Chinese"})
+            for (int page = 0; page < 3; ++page)
+                QTest::addRow("%dx%d, %s, page %d", screen.width(), screen.height(), qPrintable(language), page)
+                    << screen << language << page;
+}
+
+// The window as an operator sees it on a screen of that size, with a lidar
+// connected (the link status shows) and the readouts at their longest.
+void WindowLookTest::everyPageFitsTheScreen()
+{
+    QFETCH(QSize, screen);
+    QFETCH(QString, language);
+    QFETCH(int, page);
+    ScratchWorkingDir dir(language);
+    auto window = openWindow();
+    window->showNormal();
+    window->resize(screen);
+    auto* tabs = control<QTabWidget>(window.get(), "tabWidget");
+    tabs->setCurrentIndex(page);
+    const QPair<const char*, const char*> longest[] = {
+        {"label_motor_speed", " 12 hz,720 r/s"}, {"label_delta_x", "4000.00 CM"},
+        {"label_delta_y", "4000.00 CM"},         {"label_delta_distance", "4000.00 CM"},
+        {"label_azimuth", "359.999"},            {"label_distance", "40.0001"}};
+    for (const auto& readout : longest) {
+        auto* label = window->findChild<QLabel*>(QLatin1String(readout.first));
+        label->setText(label->text() + QLatin1String(readout.second));
+    }
+    auto* link = window->findChild<QLabel*>(QStringLiteral("label_link_status"));
+    QVERIFY(link);
+    link->setText(QStringLiteral("4500 packets/s, 10.0 frames/s, 0.0 s ago"));
+    link->show();
+    window->statusBar()->showMessage(QStringLiteral("Distance between two points:1234.56"));
+    waitFor([] { return false; }, 400);  // the page slides in, the layouts settle
+
+    const QImage shot = window->grab().toImage();
+    QStringList problems;
+    if (!window->findChild<QLabel*>(QStringLiteral("label_status_message"))->isVisible())
+        problems << QStringLiteral("the status message is not shown");
+    if (window->width() > screen.width() || window->height() > screen.height())
+        problems << QStringLiteral("the window needs %1x%2").arg(window->width()).arg(window->height());
+    for (QWidget* area : {tabs->currentWidget(), control(window.get(), "frame_tools"),
+                          control(window.get(), "frame_view_tools"), static_cast<QWidget*>(window->statusBar())})
+        problems << layoutProblems(area);
+    if (!problems.isEmpty()) {
+        QTemporaryDir keep(QDir::temp().filePath(QStringLiteral("scandeck-layout-XXXXXX")));
+        keep.setAutoRemove(false);
+        const QString file = keep.filePath(QString::fromLatin1(QTest::currentDataTag()) + ".png");
+        shot.save(file);
+        problems << QStringLiteral("picture: ") + file;
+    }
+    QVERIFY2(problems.isEmpty(), qPrintable(problems.join(QStringLiteral("; "))));
 }
 
 SCANDECK_TEST_MAIN(WindowLookTest)
