@@ -35,6 +35,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QLabel>
+#include <QLibraryInfo>
 #include <QMouseEvent>
 #include <QProcess>
 #include <QProgressBar>
@@ -62,6 +63,8 @@ namespace {
 
 const QString kStyleSheetFile = QStringLiteral("./qss/MacOS.qss");
 const QString kTranslationFile = QStringLiteral("./scandeck_zh.qm");
+// Qt's own texts (OK, Cancel, Yes, No, the file dialogs) from Qt's translations.
+const QString kQtTranslation = QStringLiteral("qtbase_zh_CN");
 const QString kChinese = QStringLiteral("中文");
 const QString kEnglish = QStringLiteral("English");
 
@@ -243,8 +246,8 @@ void ScanDeck::initStatusBar()
     link->setObjectName(QStringLiteral("label_link"));
     link->setTextFormat(Qt::RichText);
     link->setOpenExternalLinks(true);
-    link->setText(QStringLiteral("<a href=\"https://pointclouds.org\">Point Cloud Library</a>"));
     readouts->addReadout(link);
+    retranslateOwnTexts();
 
     auto* views = new QButtonGroup(this);
     views->setExclusive(true);
@@ -309,19 +312,36 @@ void ScanDeck::switchLanguage(const QString& text)
     if (!m_translator)
         m_translator = new QTranslator(this);
     m_translator->load(kTranslationFile);
+    if (!m_qtTranslator) {
+        m_qtTranslator = new QTranslator(this);
+        m_qtTranslator->load(kQtTranslation, QLibraryInfo::location(QLibraryInfo::TranslationsPath));
+    }
     if (text == kChinese) {
         storeLanguageSetting(QStringLiteral("Chinese"));
-        QApplication::removeTranslator(m_translator);  // installed once only
-        QApplication::installTranslator(m_translator);
+        for (QTranslator* translator : {m_qtTranslator, m_translator}) {
+            QApplication::removeTranslator(translator);  // installed once only
+            QApplication::installTranslator(translator);
+        }
     } else if (text == kEnglish) {
         storeLanguageSetting(QStringLiteral("English"));
         QApplication::removeTranslator(m_translator);
+        QApplication::removeTranslator(m_qtTranslator);
     }
     ui->retranslateUi(this);
+    retranslateOwnTexts();
     resetReadouts();
     setWindowTitle(title);  // keeps a model name in the title
     if (m_live.isConnected())
         configureDevicePanel(title);
+}
+
+// The texts the window sets up itself rather than through its form.
+void ScanDeck::retranslateOwnTexts()
+{
+    if (m_tableModel)  // the start-up language switch comes first
+        m_tableModel->setHorizontalHeaderLabels(pointtable::headers());
+    if (auto* link = findChild<QLabel*>(QStringLiteral("label_link")))
+        link->setText(QStringLiteral("<a href=\"https://pointclouds.org\">%1</a>").arg(tr("Point Cloud Library")));
 }
 
 void ScanDeck::toggleTabPanel()

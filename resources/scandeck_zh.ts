@@ -552,7 +552,7 @@
         <translation>导出 CSV</translation>
     </message>
     <message>
-        <location filename="../playback/OffinePlayWidget.cpp" line="+90"/>
+        <location filename="../playback/OffinePlayWidget.cpp" line="+108"/>
         <location line="+4"/>
         <location line="+4"/>
         <location line="+57"/>
@@ -613,6 +613,39 @@
         <location line="+2"/>
         <source>Export CSV</source>
         <translation>导出 CSV</translation>
+    </message>
+</context>
+<context>
+    <name>PointTable</name>
+    <message>
+        <location filename="../export/PointTableRow.cpp" line="+9"/>
+        <source>  ID  </source>
+        <translation>  ID  </translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>    Points_XYZ    </source>
+        <translation>    坐标 XYZ    </translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>   Azimuth  </source>
+        <translation>   方位角  </translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>  Distance(m)  </source>
+        <translation>  距离(m)  </translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>  Intensity  </source>
+        <translation>  强度  </translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>  Timestamp</source>
+        <translation>  时间戳</translation>
     </message>
 </context>
 <context>
@@ -727,7 +760,7 @@
 <context>
     <name>ScanDeck</name>
     <message>
-        <location filename="../app/ScanDeck.cpp" line="+349"/>
+        <location filename="../app/ScanDeck.cpp" line="+378"/>
         <source>restart</source>
         <translation>重启</translation>
     </message>
@@ -744,7 +777,12 @@
         <translation>警告</translation>
     </message>
     <message>
-        <location filename="../app/ScanDeck.cpp" line="+10"/>
+        <location filename="../app/ScanDeck.cpp" line="-57"/>
+        <source>Point Cloud Library</source>
+        <translation>点云库 PCL</translation>
+    </message>
+    <message>
+        <location line="+67"/>
         <location filename="../app/ScanDeckExport.cpp" line="+101"/>
         <source>File saved</source>
         <translation>文件已保存</translation>
