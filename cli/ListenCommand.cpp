@@ -151,10 +151,10 @@ bool closeSession(LidarAnalysis* session, bool recording, QString& recordError)
         session,
         [&] {
             session->DisconnectLidar();
+            // A write that failed during the recording already ended it.
             if (recording) {
                 session->EndSaveData();
-                if (session->saveFile.error() != QFileDevice::NoError)
-                    recordError = session->saveFile.errorString();
+                recordError = session->saveError;
             }
         },
         Qt::BlockingQueuedConnection);
@@ -200,7 +200,7 @@ int runListen(const QStringList& arguments)
         confirmedType = lidar::SerialPortConnection;
     }
     if (!o.record.isEmpty() && !session->StartSaveData(o.record))
-        return fileError(o.record, QStringLiteral("cannot write: %1").arg(session->saveFile.errorString()));
+        return fileError(o.record, QStringLiteral("cannot write: %1").arg(session->saveError));
 
     FrameListener listener(session, o.frames, csv.get(), confirmedType);
     QObject::connect(&listener, &FrameListener::finished, QCoreApplication::instance(), &QCoreApplication::exit,

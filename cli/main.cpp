@@ -16,6 +16,8 @@ const char* const kUsage =
     "          write the complete frames of a recording as CSV\n"
     "  info <recording>\n"
     "          model, packets, frames, points and packet times of a recording\n"
+    "  repair <recording>\n"
+    "          make a recording cut short by a crash readable again\n"
     "  listen --model <Name> (--udp <ip>:<port> [--lidar <ip>:<port>] | --serial <port> [--baud <n>])\n"
     "         [--frames <n>] [--timeout <s>] [-o <out.csv>] [--record <file>]\n"
     "          receive frames from a live lidar\n"
@@ -49,6 +51,8 @@ int run(const QStringList& arguments)
         return cli::runInfo(rest);
     if (command == QLatin1String("listen"))
         return cli::runListen(rest);
+    if (command == QLatin1String("repair"))
+        return cli::runRepair(rest);
     cli::printError(QStringLiteral("unknown command '%1' (see scandeck-cli --help)").arg(command));
     return cli::UsageError;
 }
