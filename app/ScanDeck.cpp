@@ -3,9 +3,11 @@
 #include "AboutDialog.h"
 #include "IniSettings.h"
 #include "LIdarFactory.h"
+#include "LiveFrameQueue.h"
 #include "LidarAnalysis.h"
 #include "OffinePlayWidget.h"
 #include "OfflineDrop.h"
+#include "RecordingRefusal.h"
 #include "PointTableRow.h"
 #include "TableViewToolBar.h"
 #include "UserMessages.h"
@@ -198,6 +200,19 @@ void ScanDeck::initStatusBar()
     m_progressBar->hide();
     statusBar()->addPermanentWidget(m_progressBar);
 
+    // Live frames reach the display through the queue; the label shows only
+    // once it has had to skip some.
+    m_liveFrames = new LiveFrameQueue(this);
+    connect(m_liveFrames, &LiveFrameQueue::frameReady, this, &ScanDeck::showFrame);
+    m_displayBehindLabel = new QLabel(this);
+    m_displayBehindLabel->setObjectName(QStringLiteral("label_display_behind"));
+    m_displayBehindLabel->hide();
+    statusBar()->addPermanentWidget(m_displayBehindLabel);
+    connect(m_liveFrames, &LiveFrameQueue::skippedFramesChanged, this, [this](quint64 skipped) {
+        m_displayBehindLabel->setText(tr("display behind: %1 frames skipped").arg(skipped));
+        m_displayBehindLabel->setVisible(skipped > 0);
+    });
+
     auto* link = new QLabel(this);
     link->setObjectName(QStringLiteral("label_link"));
     link->setTextFormat(Qt::RichText);
@@ -389,7 +404,7 @@ void ScanDeck::playDroppedFile(const QString& path)
 {
     const auto parsed = LIdarFactory::GetInstance()->ParseFile(path);
     if (parsed.second.isEmpty()) {
-        usermessages::information(this, tr("information"), tr("Unable to parse this file"));
+        usermessages::information(this, tr("information"), offline::refusalText(path));
         return;
     }
     if (!usermessages::question(this, tr("question"), tr("Whether to play offline file ?")))

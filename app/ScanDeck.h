@@ -25,6 +25,7 @@
 
 class AboutDialog;
 class LidarAnalysis;
+class LiveFrameQueue;
 class QAbstractButton;
 class QLabel;
 class QProgressBar;
@@ -127,6 +128,8 @@ public:
     bool isPlaying() const { return m_playing; }
     // The connection dialog, once btn_connect has made it.
     SelectConnectType* connectDialog() const { return m_connectDialog; }
+    // Carries live frames to showFrame; skips the oldest when drawing falls behind.
+    LiveFrameQueue* liveFrames() const { return m_liveFrames; }
 
     // Read access for the measurement tools, the benchmark and the tests.
     int pointSize() const { return m_pointSize; }
@@ -219,6 +222,7 @@ private:
     CloudPtr m_clickCloud;  // "m_clickPointCloud"
     std::shared_ptr<pcl::visualization::PCLVisualizer> m_viewer;
     LiveConnection m_live;
+    LiveFrameQueue* m_liveFrames = nullptr;
     QList<QMetaObject::Connection> m_sessionConnections;
     SelectConnectType* m_connectDialog = nullptr;
     SaveFileHook m_saveFileHook;
@@ -255,6 +259,7 @@ private:
     QLabel* m_deltaDistanceLabel = nullptr;
     QLabel* m_azimuthLabel = nullptr;
     QLabel* m_distanceLabel = nullptr;
+    QLabel* m_displayBehindLabel = nullptr;
 
     // While a frame updates both clouds, their renders are folded into one.
     int m_renderBatchDepth = 0;

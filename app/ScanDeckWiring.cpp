@@ -4,6 +4,7 @@
 #include "ScanDeck.h"
 
 #include "LidarAnalysis.h"
+#include "LiveFrameQueue.h"
 #include "OffinePlayWidget.h"
 #include "ui_ScanDeck.h"
 
@@ -87,8 +88,8 @@ void ScanDeck::wireSessionSignals()
     c << connect(ui->btn_motor_state, &QAbstractButton::toggled, session,
                  [session](bool checked) { session->SetMotorFrequency(checked ? 1 : 0); });
     // The session lives on its worker thread: its frames reach the display
-    // queued, every one of them drawn.
-    c << connect(session, &LidarAnalysis::SendleLidarDataSignal, this, &ScanDeck::showFrame, Qt::UniqueConnection);
+    // through the queue, every one of them drawn while drawing keeps up.
+    c << m_liveFrames->attach(session);
     c << connect(session, &LidarAnalysis::SendMessageSignal, this, &ScanDeck::showWarning);
     c << connect(session, &LidarAnalysis::SendEndSaveDataSignal, this, &ScanDeck::showFileSaved);
     c << connect(session, &LidarAnalysis::SendGPSTimeData, this, [](const lidar::GPSTime&) {

@@ -1,6 +1,7 @@
 #include "OffinePlayWidget.h"
 
 #include "LIdarFactory.h"
+#include "RecordingRefusal.h"
 #include "ui_OffinePlayWidget.h"
 
 #include <QDir>
@@ -116,7 +117,7 @@ void OffinePlayWidget::openFile()
         return;
     const auto parsed = LIdarFactory::GetInstance()->ParseFile(path);
     if (parsed.second.isEmpty()) {
-        inform(tr("information"), tr("Unable to parse this file"));
+        inform(tr("information"), offline::refusalText(path));
         return;
     }
     loadFrames(parsed.first, parsed.second);

@@ -48,14 +48,24 @@
 <context>
     <name>LidarAnalysis</name>
     <message>
-        <location filename="../lidar/LidarAnalysis.cpp" line="+53"/>
+        <location filename="../lidar/LidarAnalysis.cpp" line="+58"/>
         <source>Please set a valid connection status!</source>
         <translation>请设置有效的连接状态！</translation>
     </message>
     <message>
-        <location line="+34"/>
+        <location line="+36"/>
         <source>Failed to send data</source>
         <translation>数据发送失败</translation>
+    </message>
+    <message>
+        <location line="+121"/>
+        <source>The recording %1 could not be completed (%2).</source>
+        <translation>录制文件 %1 无法完成（%2）。</translation>
+    </message>
+    <message>
+        <location line="+29"/>
+        <source>Recording stopped: %1 could not be written (%2). It keeps the %3 packets recorded before.</source>
+        <translation>录制已停止：无法写入 %1（%2）。文件保留了此前录制的 %3 个数据包。</translation>
     </message>
 </context>
 <context>
@@ -131,7 +141,7 @@
         <translation>导出 CSV</translation>
     </message>
     <message>
-        <location filename="../playback/OffinePlayWidget.cpp" line="+111"/>
+        <location filename="../playback/OffinePlayWidget.cpp" line="+112"/>
         <location line="+8"/>
         <location line="+10"/>
         <location line="+136"/>
@@ -149,8 +159,8 @@
         <translation>打开文件</translation>
     </message>
     <message>
-        <location line="+5"/>
-        <location line="+10"/>
+        <location line="+15"/>
+        <location filename="../playback/RecordingRefusal.cpp" line="+12"/>
         <source>Unable to parse this file</source>
         <translation>无法解析该文件</translation>
     </message>
@@ -174,11 +184,21 @@
         <source>Export CSV</source>
         <translation>导出 CSV</translation>
     </message>
+    <message>
+        <location filename="../playback/RecordingRefusal.cpp" line="+5"/>
+        <source>The recording was cut short. &quot;scandeck-cli repair %1&quot; makes its complete packets readable again.</source>
+        <translation>该录制文件不完整。运行 &quot;scandeck-cli repair %1&quot; 可恢复其中完整的数据包。</translation>
+    </message>
 </context>
 <context>
     <name>ScanDeck</name>
     <message>
-        <location filename="../app/ScanDeck.cpp" line="+233"/>
+        <location filename="../app/ScanDeck.cpp" line="+210"/>
+        <source>display behind: %1 frames skipped</source>
+        <translation>显示滞后：已跳过 %1 帧</translation>
+    </message>
+    <message>
+        <location line="+39"/>
         <source>motor speed:</source>
         <translation>电机转速：</translation>
     </message>
@@ -218,7 +238,7 @@
         <translation>确定要重启软件吗？</translation>
     </message>
     <message>
-        <location filename="../app/main.cpp" line="+36"/>
+        <location filename="../app/main.cpp" line="+37"/>
         <location filename="../app/ScanDeck.cpp" line="+22"/>
         <location filename="../app/ScanDeckLive.cpp" line="+155"/>
         <source>warning</source>
@@ -258,11 +278,6 @@
         <location line="+6"/>
         <source>information</source>
         <translation>提示</translation>
-    </message>
-    <message>
-        <location line="+0"/>
-        <source>Unable to parse this file</source>
-        <translation>无法解析该文件</translation>
     </message>
     <message>
         <location line="+3"/>
