@@ -3,6 +3,7 @@
 #include "CliSupport.h"
 #include "FrameListener.h"
 #include "LIdarFactory.h"
+#include "RunOnThread.h"
 #include "TerminationSignals.h"
 
 #include <QCommandLineParser>
@@ -127,7 +128,7 @@ int parseListenOptions(const QStringList& arguments, ListenOptions& o)
 QString transportProblem(LidarAnalysis* session, bool network)
 {
     QString problem;
-    QMetaObject::invokeMethod(
+    lidar::runOnThreadOf(
         session,
         [&] {
             if (network) {
@@ -138,8 +139,7 @@ QString transportProblem(LidarAnalysis* session, bool network)
                 problem = QStringLiteral("cannot open serial port: %1")
                               .arg(session->serialPort ? session->serialPort->errorString() : QStringLiteral("no port"));
             }
-        },
-        Qt::BlockingQueuedConnection);
+        });
     return problem;
 }
 
@@ -147,7 +147,7 @@ QString transportProblem(LidarAnalysis* session, bool network)
 // own thread so that no packet is appended while the file is written.
 bool closeSession(LidarAnalysis* session, bool recording, QString& recordError)
 {
-    QMetaObject::invokeMethod(
+    lidar::runOnThreadOf(
         session,
         [&] {
             session->DisconnectLidar();
@@ -156,8 +156,7 @@ bool closeSession(LidarAnalysis* session, bool recording, QString& recordError)
                 session->EndSaveData();
                 recordError = session->saveError;
             }
-        },
-        Qt::BlockingQueuedConnection);
+        });
     return recordError.isEmpty();
 }
 

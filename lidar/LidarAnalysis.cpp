@@ -110,19 +110,19 @@ LidarParam LidarAnalysis::GetLidarParam()
         if (replyReceived.load(std::memory_order_acquire))
             break;
     }
-    QMutexLocker lock(&paramMutex);
+    std::lock_guard<std::mutex> lock(paramMutex);
     return param;
 }
 
 uint8_t LidarAnalysis::storedFrequency() const
 {
-    QMutexLocker lock(&paramMutex);
+    std::lock_guard<std::mutex> lock(paramMutex);
     return param.frequency;
 }
 
 void LidarAnalysis::storeFrequency(uint8_t frequency)
 {
-    QMutexLocker lock(&paramMutex);
+    std::lock_guard<std::mutex> lock(paramMutex);
     param.frequency = frequency;
 }
 
@@ -176,12 +176,12 @@ void LidarAnalysis::sendTwice(const QByteArray& packet)
 
 bool LidarAnalysis::StartSaveData(const QString& fileName)
 {
-    return onOwnThread([&] { return startRecording(fileName); });
+    return lidar::runOnThreadOf(this, [&] { return startRecording(fileName); });
 }
 
 void LidarAnalysis::EndSaveData()
 {
-    onOwnThread([&] { return endRecording(); });
+    lidar::runOnThreadOf(this, [&] { endRecording(); });
 }
 
 QVector<QByteArray> LidarAnalysis::recordingHeader() const

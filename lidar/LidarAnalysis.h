@@ -7,15 +7,15 @@
 #include "LidarRecords.h"
 #include "RateGate.h"
 #include "RecordingWriter.h"
+#include "RunOnThread.h"
 
 #include <QByteArray>
 #include <QElapsedTimer>
 #include <QFile>
-#include <QMutex>
+#include <mutex>
 #include <QObject>
 #include <QSerialPort>
 #include <QString>
-#include <QThread>
 #include <atomic>
 #include <cstdint>
 
@@ -125,7 +125,7 @@ protected:
     void takeReply(Fill&& fill)
     {
         {
-            QMutexLocker lock(&paramMutex);
+            std::lock_guard<std::mutex> lock(paramMutex);
             fill(param);
         }
         replyReceived.store(1, std::memory_order_release);
@@ -145,25 +145,15 @@ protected:
     // Sends a packet, sleeps 20 ms and sends it again.
     void sendTwice(const QByteArray& packet);
 
-    mutable QMutex paramMutex;
+    // A standard mutex rather than QMutex: its locking is visible to
+    // ThreadSanitizer.
+    mutable std::mutex paramMutex;
 
 private slots:
     void readSerial();
     void readDatagrams();
 
 private:
-    // Runs `work` on the session's thread and returns its result; directly
-    // when already there or when that thread does not run.
-    template <typename Work>
-    auto onOwnThread(Work work) -> decltype(work())
-    {
-        QThread* own = thread();
-        if (own == QThread::currentThread() || !own || !own->isRunning())
-            return work();
-        decltype(work()) result{};
-        QMetaObject::invokeMethod(this, [&] { result = work(); }, Qt::BlockingQueuedConnection);
-        return result;
-    }
     bool startRecording(const QString& fileName);
     bool endRecording();
     void recordPiece(const char* data, int size);
