@@ -36,7 +36,9 @@
 #include <QEventLoop>
 #include <QFile>
 #include <QHostAddress>
+#include <QPixmap>
 #include <QPushButton>
+#include <QScreen>
 #include <QTemporaryDir>
 #include <QThread>
 #include <QTimer>
@@ -241,8 +243,16 @@ double percentile(std::vector<double> values, double q)
     return values[std::min(values.size() - 1, size_t(q * double(values.size())))];
 }
 
+// The window as the screen shows it, half size, into a PNG.
+void saveScreenshot(ScanDeck& window, const QString& path)
+{
+    const QPixmap shot = window.screen()->grabWindow(0, window.x(), window.y(), window.width(), window.height());
+    if (!shot.scaledToWidth(window.width() / 2, Qt::SmoothTransformation).save(path))
+        std::fprintf(stderr, "cannot save %s\n", qPrintable(path));
+}
+
 int runStream(ScanDeck& window, const QString& modelName, sim::Model model, double rate, double seconds,
-              const sim::FaultOptions& faults)
+              const sim::FaultOptions& faults, const QString& screenshot)
 {
     const quint16 port = freePort();
     PacedSender sender(model, 600.0 * rate, faults, port);
@@ -295,6 +305,8 @@ int runStream(ScanDeck& window, const QString& modelName, sim::Model model, doub
     const double elapsed = clock.elapsed() / 1000.0;
     const quint64 sent = sender.revolutions() - revolutionsAtStart;
     const double viewerCpu = (processCpuSeconds() - cpuAtStart) - (sender.cpuSeconds() - senderCpuAtStart);
+    if (!screenshot.isEmpty())
+        saveScreenshot(window, screenshot);
     sender.stop();
     const quint64 packetsSent = sender.packets() - packetsAtStart;
     const quint64 decodedWhileSending = counters.decoded.load() - decodedAtStart;
@@ -413,6 +425,8 @@ int main(int argc, char** argv)
                       QStringLiteral("0")});
     parser.addOption({QStringLiteral("junk"), QStringLiteral("Junk before a packet probability."),
                       QStringLiteral("p"), QStringLiteral("0")});
+    parser.addOption({QStringLiteral("screenshot"), QStringLiteral("stream: save the window at the end (PNG)."),
+                      QStringLiteral("file")});
     parser.process(app);
     const QStringList args = parser.positionalArguments();
     const QString mode = args.value(0);
@@ -441,7 +455,8 @@ int main(int argc, char** argv)
         pause(500);
         if (mode == QLatin1String("stream"))
             status = runStream(window, modelName, model, parser.value(QStringLiteral("rate")).toDouble(),
-                               parser.value(QStringLiteral("seconds")).toDouble(), faults);
+                               parser.value(QStringLiteral("seconds")).toDouble(), faults,
+                               parser.value(QStringLiteral("screenshot")));
         else if (mode == QLatin1String("latency"))
             status = runLatency(window, modelName, model, parser.value(QStringLiteral("seconds")).toDouble());
         else if (mode == QLatin1String("open") && args.size() == 2)
