@@ -25,6 +25,11 @@ AboutDialog::AboutDialog(QWidget* parent) : QDialog(parent)
     m_firmware->setObjectName(QStringLiteral("label_firmware"));
     m_firmware->setTextInteractionFlags(Qt::TextSelectableByMouse);
 
+    m_shortcutsCaption = new QLabel(this);
+    m_shortcuts = new QLabel(this);
+    m_shortcuts->setObjectName(QStringLiteral("label_shortcuts"));
+    m_shortcuts->setTextFormat(Qt::RichText);
+
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok, this);
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
 
@@ -33,7 +38,9 @@ AboutDialog::AboutDialog(QWidget* parent) : QDialog(parent)
     layout->addWidget(m_version, 0, 1, 1, 2);
     layout->addWidget(m_firmwareCaption, 1, 1);
     layout->addWidget(m_firmware, 1, 2);
-    layout->addWidget(buttons, 2, 0, 1, 3);
+    layout->addWidget(m_shortcutsCaption, 2, 1, 1, 2);
+    layout->addWidget(m_shortcuts, 3, 1, 1, 2);
+    layout->addWidget(buttons, 4, 0, 1, 3);
     layout->setColumnStretch(2, 1);
     layout->setHorizontalSpacing(12);
     retranslate();
@@ -58,6 +65,18 @@ QString AboutDialog::firmwareText() const
     return m_firmware->text();
 }
 
+void AboutDialog::setShortcuts(const QVector<QPair<QString, QString>>& shortcuts)
+{
+    QString rows;
+    for (const auto& shortcut : shortcuts)
+        rows += QStringLiteral("<tr><td><b>%1</b></td><td>&nbsp;&nbsp;%2</td></tr>")
+                    .arg(shortcut.first.toHtmlEscaped(), shortcut.second.toHtmlEscaped());
+    m_shortcuts->setText(QStringLiteral("<table>") + rows + QStringLiteral("</table>"));
+    m_shortcutsCaption->setVisible(!shortcuts.isEmpty());
+    m_shortcuts->setVisible(!shortcuts.isEmpty());
+    adjustSize();
+}
+
 void AboutDialog::changeEvent(QEvent* event)
 {
     if (event->type() == QEvent::LanguageChange)
@@ -69,4 +88,5 @@ void AboutDialog::retranslate()
 {
     setWindowTitle(tr("About"));
     m_firmwareCaption->setText(tr("Lidar firmware:"));
+    m_shortcutsCaption->setText(tr("Keyboard shortcuts:"));
 }

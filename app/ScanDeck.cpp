@@ -1,14 +1,28 @@
 #include "ScanDeck.h"
 
 #include "AboutDialog.h"
+#include "BoxSelectionDialog.h"
+#include "GridPolarDialog.h"
+#include "DeviceSettingsPanel.h"
+#include "CaptureFile.h"
+#include "ColourLegendOverlay.h"
 #include "IniSettings.h"
+#include "KeyboardShortcuts.h"
 #include "LIdarFactory.h"
 #include "LiveFrameQueue.h"
 #include "LidarAnalysis.h"
+#include "NetworkToolLauncher.h"
+#include "LinkStatusReadout.h"
+#include "MessageBoxFit.h"
 #include "OffinePlayWidget.h"
 #include "OfflineDrop.h"
+#include "OverlayPainter.h"
 #include "RecordingRefusal.h"
 #include "PointTableRow.h"
+#include "RangingMarks.h"
+#include "StatusReadouts.h"
+#include "RecentFolder.h"
+#include "RenderRateTip.h"
 #include "TableViewToolBar.h"
 #include "UserMessages.h"
 #include "ui_ScanDeck.h"
@@ -20,7 +34,9 @@
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QFile>
+#include <QFileInfo>
 #include <QLabel>
+#include <QMouseEvent>
 #include <QProcess>
 #include <QProgressBar>
 #include <QPropertyAnimation>
@@ -41,6 +57,7 @@
 #include <vtkGenericOpenGLRenderWindow.h>
 #include <vtkOrientationMarkerWidget.h>
 #include <vtkRenderer.h>
+#include <vtkWorldPointPicker.h>
 
 namespace {
 
@@ -74,6 +91,8 @@ ScanDeck::ScanDeck(QWidget* parent)
       m_wiredFuture(m_wired.get_future().share())
 {
     ui->setupUi(this);
+    // Qt's own message boxes (the file dialogs') show their whole text too.
+    messagebox::fitAllMessageBoxes();
     initUi();
     // The frame types are registered and the controls connected off the GUI
     // thread. A thread that cannot be started throws std::system_error.
@@ -119,6 +138,12 @@ void ScanDeck::initUi()
 
     initViewer();
     ui->openGLWidget->setAcceptDrops(true);
+    m_legend = new ColourLegendOverlay(ui->openGLWidget, ui->comboBox_color_mode);
+    new RenderRateTip(ui->openGLWidget);
+
+    m_devicePanel = new DeviceSettingsPanel(
+        {ui->btn_motor_state, ui->comboBox_motor_filter, ui->comboBox_motor_frequency, ui->btn_GPS_test}, this);
+    m_networkTool = new NetworkToolLauncher(this);
 
     // Nothing is connected yet: only the connect buttons are live.
     applyLiveState(false);
@@ -149,10 +174,15 @@ void ScanDeck::initUi()
 
     ui->offline->setExportAction(
         [this](QPushButton* button, bool checked) { exportCsv(button, checked); });
+    initExportTools();
     ui->offline->setMessageHook([this](const QString& title, const QString& text) {
         usermessages::information(this, title, text);
     });
     addAction(ui->act_grid);  // its shortcut works anywhere in the window
+    initShortcuts();
+    // The keyboard starts in the view, where the frame keys are not taken
+    // by a spin box.
+    ui->openGLWidget->setFocus();
 
     QApplication::processEvents();
 }
@@ -173,6 +203,9 @@ void ScanDeck::initViewer()
     m_cloud = std::make_shared<Cloud>();
     m_boxCloud = std::make_shared<Cloud>();
     m_clickCloud = std::make_shared<Cloud>();
+    m_overlays = std::make_unique<OverlayPainter>(*m_viewer);
+    m_ranging = std::make_unique<RangingMarks>(*m_viewer, m_clickCloud, m_boxCloud);
+    m_cursorPicker = vtkSmartPointer<vtkWorldPointPicker>::New();
 
     // "+" and "-" change the size of the next frame's points; the spin box
     // is deliberately left as it is.
@@ -185,9 +218,10 @@ void ScanDeck::initViewer()
             m_pointSize = std::max(m_pointSize - 1, 1);
     });
     m_viewer->registerAreaPickingCallback([this](const pcl::visualization::AreaPickingEvent& event) {
-        std::vector<int> indices;
-        event.getPointsIndices(indices);
-        areaPicked(indices);
+        // Only the frame cloud's points count; the box and click clouds
+        // overlap them and would add indices of their own.
+        const pcl::Indices indices = event.getPointsIndices("m_pointCloud");
+        areaPicked(std::vector<int>(indices.begin(), indices.end()));
     });
 }
 
@@ -195,15 +229,20 @@ void ScanDeck::initStatusBar()
 {
     m_progressBar = new QProgressBar(this);
     m_progressBar->setRange(1, 100);
+    // The value is the percentage: over the range 1..100 Qt's own text would be one off.
+    m_progressBar->setFormat(QStringLiteral("%v%"));
     m_progressBar->setFixedHeight(20);
     m_progressBar->setMaximumWidth(240);
     m_progressBar->hide();
     statusBar()->addPermanentWidget(m_progressBar);
+    m_linkStatus = new LinkStatusReadout(this);
+    statusBar()->insertPermanentWidget(0, m_linkStatus);
 
     // Live frames reach the display through the queue; the label shows only
     // once it has had to skip some.
     m_liveFrames = new LiveFrameQueue(this);
     connect(m_liveFrames, &LiveFrameQueue::frameReady, this, &ScanDeck::showFrame);
+    connect(m_liveFrames, &LiveFrameQueue::frameSkipped, this, &ScanDeck::exportSkippedFrame);
     m_displayBehindLabel = new QLabel(this);
     m_displayBehindLabel->setObjectName(QStringLiteral("label_display_behind"));
     m_displayBehindLabel->hide();
@@ -241,19 +280,17 @@ void ScanDeck::initStatusBar()
     m_deltaDistanceLabel = makeLabel("label_delta_distance", 175);
     m_azimuthLabel = makeLabel("label_azimuth", 175);
     m_distanceLabel = makeLabel("label_distance", 175);
+    m_readouts = std::make_unique<StatusReadouts>(
+        StatusReadouts::Labels{m_motorSpeedLabel, m_deltaXLabel, m_deltaYLabel, m_deltaDistanceLabel, m_azimuthLabel,
+                               m_distanceLabel},
+        *m_viewer, ui->openGLWidget);
     resetReadouts();
 }
 
 void ScanDeck::resetReadouts()
 {
-    if (!m_motorSpeedLabel)
-        return;  // the start-up language switch comes before the status bar
-    m_motorSpeedLabel->setText(tr("motor speed:"));
-    m_deltaXLabel->setText(tr("Δx:"));
-    m_deltaYLabel->setText(tr("Δy:"));
-    m_deltaDistanceLabel->setText(tr("Δdistance:"));
-    m_azimuthLabel->setText(tr("azimuth:"));
-    m_distanceLabel->setText(tr("distance"));
+    if (m_readouts)  // the start-up language switch comes before the status bar
+        m_readouts->reset();
 }
 
 void ScanDeck::applyStyleSheet()
@@ -340,6 +377,7 @@ void ScanDeck::showAbout()
     if (m_live.isConnected())
         firmware = m_live.session()->GetLidarParam().text;
     m_about->setTexts(LIdarFactory::VersionText(), firmware);
+    m_about->setShortcuts(m_shortcuts->list());
     m_about->show();
     m_about->raise();
     m_about->activateWindow();
@@ -358,7 +396,8 @@ void ScanDeck::showSavingProgress(float progress)
 void ScanDeck::showFileSaved(const QString& fileName)
 {
     usermessages::information(this, tr("File saved"), tr("File save path:%1").arg(fileName));
-    m_progressBar->hide();
+    if (!m_csvExport.isActive())  // the bar may be showing a running export's progress
+        m_progressBar->hide();
 }
 
 void ScanDeck::closeEvent(QCloseEvent* event)
@@ -373,9 +412,7 @@ void ScanDeck::closeEvent(QCloseEvent* event)
         && usermessages::question(this, tr("question"),
                                   tr("Exporting csv data, do you want to save the data before exiting "
                                      "the program?"))) {
-        m_csvActive = false;
-        m_csvFile.flush();
-        m_csvFile.close();
+        m_csvExport.finish();
         m_progressBar->hide();
     }
     event->accept();
@@ -395,14 +432,24 @@ bool ScanDeck::eventFilter(QObject* watched, QEvent* event)
             playDroppedFile(offline::droppedFilePath(static_cast<QDropEvent*>(event)->mimeData()));
             return true;
         }
+        if (event->type() == QEvent::MouseMove || event->type() == QEvent::MouseButtonPress
+            || event->type() == QEvent::MouseButtonRelease)
+            handleViewMouse(static_cast<QMouseEvent*>(event));  // the view still turns the camera
     }
     return QMainWindow::eventFilter(watched, event);
 }
 
-// A recording dropped on the view is played offline, if the user agrees.
+// A recording or a capture dropped on the view is played offline, if the
+// user agrees.
 void ScanDeck::playDroppedFile(const QString& path)
 {
-    const auto parsed = LIdarFactory::GetInstance()->ParseFile(path);
+    QPair<QString, QVector<lidar::LidarDataPoint_V4>> parsed;
+    if (capture::looksLikeCaptureFile(path)) {
+        if (!ui->offline->readCapture(path, parsed.first, parsed.second))
+            return;  // cancelled, or the player has said why
+    } else {
+        parsed = LIdarFactory::GetInstance()->ParseFile(path);
+    }
     if (parsed.second.isEmpty()) {
         usermessages::information(this, tr("information"), offline::refusalText(path));
         return;
@@ -412,6 +459,18 @@ void ScanDeck::playDroppedFile(const QString& path)
     if (m_playing)
         ui->btn_play_pause->click();  // pause the live display first
     ui->offline->stop();
-    ui->offline->loadFrames(parsed.first, parsed.second);
+    IniSettings settings;
+    recentfolder::remember(settings, path);
+    ui->offline->loadFrames(parsed.first, parsed.second, path);
     ui->tabWidget->setCurrentWidget(ui->tab_offline);
+}
+
+void ScanDeck::showPlaybackTitle(const QString& path)
+{
+    if (!ui->offline->isLoaded())
+        setWindowTitle(QStringLiteral("ScanDeck"));
+    else if (path.isEmpty())
+        setWindowTitle(m_playbackModel);
+    else
+        setWindowTitle(QStringLiteral("%1 — %2").arg(m_playbackModel, QFileInfo(path).fileName()));
 }

@@ -6,6 +6,7 @@
 // cloud fill, table rows); this class wires them to the widgets and the view.
 
 #include "AutoConnector.h"
+#include "CsvExport.h"
 #include "IConnectLiDAR.h"
 #include "IGridPolar.h"
 #include "ITableViewToolBar.h"
@@ -15,6 +16,8 @@
 
 #include <QFile>
 #include <QMainWindow>
+#include <QPoint>
+#include <QPointer>
 #include <QString>
 #include <cstdint>
 #include <future>
@@ -24,19 +27,33 @@
 #include <vtkSmartPointer.h>
 
 class AboutDialog;
+class BoxSelectionDialog;
+class DeviceSettingsPanel;
+class GridPolarDialog;
+class ExportDataDialog;
+class ColourLegendOverlay;
+class KeyboardShortcuts;
+class LinkStatusReadout;
 class LidarAnalysis;
 class LiveFrameQueue;
+class NetworkToolLauncher;
+class OverlayPainter;
 class QAbstractButton;
 class QLabel;
+class QMouseEvent;
 class QProgressBar;
 class QStandardItemModel;
 class QTabBar;
 class QTranslator;
+class RangingMarks;
 class SelectConnectType;
+class StatusReadouts;
 class TableViewToolBar;
+class ViewExportTools;
 class vtkGenericOpenGLRenderWindow;
 class vtkOrientationMarkerWidget;
 class vtkRenderer;
+class vtkWorldPointPicker;
 
 namespace pcl {
 struct PointXYZRGB;
@@ -50,11 +67,6 @@ class PCLVisualizer;
 namespace Ui {
 class ScanDeckClass;
 }
-
-namespace display {
-struct CloudExtent;
-struct CloudFillResult;
-}  // namespace display
 
 class ScanDeck : public QMainWindow,
                  public IConnectLiDAR,
@@ -86,6 +98,10 @@ public:
     using SaveFileHook = std::function<QString(QWidget* parent, const QString& caption, const QString& proposed,
                                                const QString& filter)>;
 
+    // Shows the CSV export dialog modally; true when it was accepted. Tests
+    // fill it in and press OK instead.
+    using ExportDialogHook = std::function<bool(ExportDataDialog& dialog)>;
+
     // The OpenGL format VTK needs; call before the QApplication is made.
     static void prepareGraphics();
 
@@ -114,6 +130,10 @@ public:
     // The view's rubber band picked these points of the displayed cloud:
     // their bounding box becomes the selection box, which is now in force.
     void areaPicked(const std::vector<int>& indices);
+    // A click found this point (index in the displayed cloud): marked alone,
+    // or as one end of a ranging pair while range finding is on.
+    void singlePick(int index, const pcl::PointXYZRGB& point);
+    void rangingStep(int index, const pcl::PointXYZRGB& point);
 
     // Blocks until the start-up wiring thread has made every connection.
     void waitUntilWired();
@@ -121,6 +141,7 @@ public:
     // Empty hooks restore the defaults (QFileDialog, the system's serial ports).
     void setSaveFileHook(SaveFileHook hook) { m_saveFileHook = std::move(hook); }
     void setSerialPortLister(AutoConnector::PortLister lister) { m_serialPorts = std::move(lister); }
+    void setExportDialogHook(ExportDialogHook hook) { m_exportDialogHook = std::move(hook); }
 
     // The live session (null before the first connection attempt).
     std::shared_ptr<LidarAnalysis> session() const { return m_live.session(); }
@@ -130,6 +151,9 @@ public:
     SelectConnectType* connectDialog() const { return m_connectDialog; }
     // Carries live frames to showFrame; skips the oldest when drawing falls behind.
     LiveFrameQueue* liveFrames() const { return m_liveFrames; }
+    // The "Setting" tab's device controls and the network module tool.
+    DeviceSettingsPanel* devicePanel() const { return m_devicePanel; }
+    NetworkToolLauncher* networkTool() const { return m_networkTool; }
 
     // Read access for the measurement tools, the benchmark and the tests.
     int pointSize() const { return m_pointSize; }
@@ -145,6 +169,13 @@ public:
     vtkRenderer* renderer() const;
     const lidar::LidarDataPoint_V4& lastFrame() const { return m_lastFrame; }
     const FrameTimings& lastFrameTimings() const { return m_timings; }
+    bool isRangingActive() const { return m_rangingActive != 0; }
+    const Cloud& clickCloud() const { return *m_clickCloud; }
+    const OverlayPainter& overlays() const { return *m_overlays; }
+    // The dialogs, once their buttons have made them (null before).
+    GridPolarDialog* gridPolarDialog() const { return m_gridPolarDialog; }
+    BoxSelectionDialog* boxSelectionDialog() const { return m_boxDialog; }
+    const CsvExport& csvExport() const { return m_csvExport; }
 
 signals:
     void SendMessageSignal(QString message);
@@ -172,6 +203,7 @@ private:
     void initUi();
     void initViewer();
     void initStatusBar();
+    void initShortcuts();
     void applyStyleSheet();
     void applyStartLanguage();
     void resetReadouts();
@@ -183,7 +215,15 @@ private:
     void applyLiveState(bool connected);
     // What a confirmed connection changes in the window.
     void enterConnectedState();
+    // The link status follows the connected session's traffic.
+    void watchLink();
     QString askSavePath(const QString& proposed);
+    // The save dialogs of the exports: the test hook when there is one.
+    QString askSavePath(QWidget* parent, const QString& caption, const QString& proposed, const QString& filter);
+    void initExportTools();
+    // What an export of the current frame saves: the box's points while
+    // the box is in force, else the whole frame last shown.
+    lidar::LidarDataPoint_V4 frameToExport() const;
 
     // Operations wired to the controls.
     void toggleTabPanel();
@@ -193,6 +233,7 @@ private:
     void showWarning(const QString& message);
     void showSavingProgress(float progress);
     void showFileSaved(const QString& fileName);
+    void showExportSaved(const QString& fileName);
     void toggleTablePane(bool open);
     void clearView();
     void setRangingMode(bool on);
@@ -207,12 +248,22 @@ private:
     void showGridPolarDialog();
     void toggleGpsTest();
     void startNetworkTool();
-    void setMotorFrequencyFromText(const QString& text);
     void configureDevicePanel(const QString& group);
     void playDroppedFile(const QString& path);
-    // Extent and distance span of the drawn selection, for the status bar.
-    void showSelectionReadouts(const display::CloudExtent& extent, const display::CloudFillResult& filled);
+    // Mouse over the 3D view: readouts and the ranging preview on moves,
+    // picking on clicks.
+    void handleViewMouse(QMouseEvent* event);
+    void hoverAt(const QPoint& position);
+    void pickAt(const QPoint& position);
+    // Lists the picked point of the displayed cloud in the table.
+    void addPickedRow(int index);
+    // Range finding off and its marks gone from the view.
+    void resetMeasurement();
+    // The window title while a recording plays: its model and file name.
+    void showPlaybackTitle(const QString& path);
     void writeCsvFrame(const lidar::LidarDataPoint_V4& frame);
+    // A live frame the display had to skip still goes into a running export.
+    void exportSkippedFrame(lidar::LidarDataPoint_V4 frame);
 
     Ui::ScanDeckClass* ui;
     vtkSmartPointer<vtkGenericOpenGLRenderWindow> m_renderWindow;
@@ -230,6 +281,12 @@ private:
     QProgressBar* m_progressBar = nullptr;
     TableViewToolBar* m_tableToolBar = nullptr;
     AboutDialog* m_about = nullptr;
+    DeviceSettingsPanel* m_devicePanel = nullptr;
+    NetworkToolLauncher* m_networkTool = nullptr;
+    LinkStatusReadout* m_linkStatus = nullptr;
+    ColourLegendOverlay* m_legend = nullptr;
+    KeyboardShortcuts* m_shortcuts = nullptr;
+    QString m_playbackModel;
     lidar::LidarDataPoint_V4 m_lastFrame;
     int m_pointSize = 4;
     bool m_playing = false;
@@ -241,13 +298,10 @@ private:
     QStandardItemModel* m_tableModel = nullptr;
     quintptr m_savedKeyboardLayout = 0;
     QTabBar* m_tabBar = nullptr;
-    QFile m_csvFile;
-    bool m_csvActive = false;
-    int m_csvFramesWritten = 0;
-    int m_csvFrameLimit = 0;
-    float m_csvStartAngle = 0.0f;
-    float m_csvEndAngle = 360.0f;
-    QString m_csvPath;
+    CsvExport m_csvExport;
+    QPointer<QAbstractButton> m_csvButton;  // the export button that started the export
+    ExportDialogHook m_exportDialogHook;
+    ViewExportTools* m_viewExport = nullptr;
     QTranslator* m_translator = nullptr;
     int m_tableRows = 30;
     int m_precision = 2;
@@ -260,6 +314,19 @@ private:
     QLabel* m_azimuthLabel = nullptr;
     QLabel* m_distanceLabel = nullptr;
     QLabel* m_displayBehindLabel = nullptr;
+
+    // The measurement tools of the view.
+    std::unique_ptr<OverlayPainter> m_overlays;
+    std::unique_ptr<RangingMarks> m_ranging;
+    std::unique_ptr<StatusReadouts> m_readouts;
+    vtkSmartPointer<vtkWorldPointPicker> m_cursorPicker;
+    GridPolarDialog* m_gridPolarDialog = nullptr;
+    BoxSelectionDialog* m_boxDialog = nullptr;
+    QPoint m_pressPosition{-1, -1};  // where the left button went down in the view
+    // The angle range the displayed cloud was drawn with, to find a picked
+    // point's frame point again.
+    float m_drawnMinAngle = 0.0f;
+    float m_drawnMaxAngle = 360.0f;
 
     // While a frame updates both clouds, their renders are folded into one.
     int m_renderBatchDepth = 0;

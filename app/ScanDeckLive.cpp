@@ -7,7 +7,10 @@
 
 #include "IniSettings.h"
 #include "LidarAnalysis.h"
+#include "LinkStatusReadout.h"
 #include "OffinePlayWidget.h"
+#include "RangingMarks.h"
+#include "RecentFolder.h"
 #include "SelectConnectType.h"
 #include "UserMessages.h"
 #include "ui_ScanDeck.h"
@@ -46,6 +49,22 @@ void ScanDeck::enterConnectedState()
     setWindowTitle(model);
     wireSessionSignals();
     configureDevicePanel(model);
+    watchLink();
+}
+
+// The session's running totals are atomics: read here while its thread counts.
+void ScanDeck::watchLink()
+{
+    const std::weak_ptr<LidarAnalysis> weak = m_live.session();
+    const bool network = m_live.session()->GetConnectionType() == lidar::NetworkConnection;
+    m_linkStatus->watch(
+        [weak]() -> LinkTotals {
+            const auto session = weak.lock();
+            if (!session)
+                return {};
+            return {session->datagramsReceived.load(), session->bytesReceived.load(), session->framesCompleted.load()};
+        },
+        network);
 }
 
 void ScanDeck::applyLiveState(bool connected)
@@ -105,6 +124,7 @@ void ScanDeck::disconnectLidar()
     }
     m_playing = false;
     m_live.disconnect();
+    m_linkStatus->unwatch();
     applyLiveState(false);
     LiveConnection::processEventsFor(LiveConnection::kDisconnectSettleMs);
     clearView();
@@ -122,10 +142,7 @@ void ScanDeck::playPause(bool play)
     // Paused, the session keeps decoding and recording but sends no frames.
     m_live.session()->SetConnected(play);
     // The ranging marks belong to the frame they were picked on.
-    m_viewer->removePointCloud("m_clickPointCloud");
-    for (const char* id : {"g_line", "g_text", "point0", "point1"})
-        m_viewer->removeShape(id);
-    m_viewer->removeText3D("g_text");
+    m_ranging->removeMarks();
 }
 
 void ScanDeck::recordData(bool record)
@@ -142,14 +159,17 @@ void ScanDeck::recordData(bool record)
         emit SendMessageSignal(tr("Please connect the radar first"));
         return;
     }
-    const QString proposed = QStringLiteral("./") + m_live.modelName() + QLatin1Char('_')
-                             + QDateTime::currentDateTime().toString(QStringLiteral("yyyy_MM_dd hh.mm.ss"))
-                             + QStringLiteral(".txt");
-    const QString path = askSavePath(proposed);
+    // In the folder of the last file opened or saved; "./" before the first.
+    IniSettings settings;
+    const QString name = m_live.modelName() + QLatin1Char('_')
+                         + QDateTime::currentDateTime().toString(QStringLiteral("yyyy_MM_dd hh.mm.ss"))
+                         + QStringLiteral(".txt");
+    const QString path = askSavePath(recentfolder::proposedPath(settings, name, QStringLiteral("./")));
     if (path.isEmpty()) {
         ui->btn_save_data->setChecked(false);
         return;
     }
+    recentfolder::remember(settings, path);
     if (!session->StartSaveData(path)) {
         ui->btn_save_data->setChecked(false);
         usermessages::warning(this, tr("warning"), tr("Unable to create the file %1").arg(path));

@@ -3,6 +3,9 @@
 
 #include "ScanDeck.h"
 
+#include "DeviceSettingsPanel.h"
+#include "ColourLegendOverlay.h"
+#include "KeyboardShortcuts.h"
 #include "LidarAnalysis.h"
 #include "LiveFrameQueue.h"
 #include "OffinePlayWidget.h"
@@ -43,7 +46,7 @@ void ScanDeck::wireSignals()
     connect(u->btn_export_csv, &Button::clicked, this,
             [this](bool checked) { exportCsv(ui->btn_export_csv, checked); });
     connect(this, &ScanDeck::SendDataSavingProgressSianal, this, &ScanDeck::showSavingProgress);
-    connect(this, &ScanDeck::SendEndSaveDataSignal, this, &ScanDeck::showFileSaved);
+    connect(this, &ScanDeck::SendEndSaveDataSignal, this, &ScanDeck::showExportSaved);
     connect(u->btn_point_cloud_select, &Button::clicked, this, &ScanDeck::toggleBoxSelection);
     wireOfflinePlayer();
     connect(u->btn_GPS_test, &Button::clicked, this, &ScanDeck::toggleGpsTest);
@@ -53,6 +56,45 @@ void ScanDeck::wireSignals()
     // The Grid action (Ctrl+G) is another way to the grid button.
     connect(u->act_grid, &QAction::triggered, u->btn_grid, &Button::click);
     connect(u->btn_grid, &Button::toggled, u->act_grid, &QAction::setChecked);
+    connect(u->btn_legend, &Button::toggled, m_legend, &ColourLegendOverlay::setShown);
+}
+
+// Space, the arrows, Home and End act on the recording when one is loaded,
+// Space on the live display otherwise (a loaded recording and a live link
+// exclude each other).
+void ScanDeck::initShortcuts()
+{
+    m_shortcuts = new KeyboardShortcuts(this);
+    OffinePlayWidget* player = ui->offline;
+    auto& keys = *m_shortcuts;
+    keys.add(Qt::Key_Space, QT_TRANSLATE_NOOP("KeyboardShortcuts", "Play or pause (recording or live display)"),
+             [this, player] {
+                 if (player->isLoaded())
+                     player->playPause();
+                 else if (ui->btn_play_pause->isEnabled())
+                     ui->btn_play_pause->click();
+             });
+    keys.add(Qt::Key_Left, QT_TRANSLATE_NOOP("KeyboardShortcuts", "Previous frame"), [player] { player->previousFrame(); });
+    keys.add(Qt::Key_Right, QT_TRANSLATE_NOOP("KeyboardShortcuts", "Next frame"), [player] { player->nextFrame(); });
+    keys.add(Qt::Key_Home, QT_TRANSLATE_NOOP("KeyboardShortcuts", "First frame"), [player] { player->firstFrame(); });
+    keys.add(Qt::Key_End, QT_TRANSLATE_NOOP("KeyboardShortcuts", "Last frame"), [player] { player->lastFrame(); });
+    keys.add(QKeySequence::Open, QT_TRANSLATE_NOOP("KeyboardShortcuts", "Open a recording"), [this, player] {
+        ui->tabWidget->setCurrentWidget(ui->tab_offline);
+        player->openIfAllowed();
+    });
+    keys.add(Qt::CTRL | Qt::Key_E, QT_TRANSLATE_NOOP("KeyboardShortcuts", "Export frames to CSV (start or stop)"),
+             [this, player] {
+                 if (player->isLoaded())
+                     player->toggleExportIfAllowed();
+                 else if (ui->btn_export_csv->isEnabled())
+                     ui->btn_export_csv->click();
+             });
+    keys.add(Qt::Key_F1, QT_TRANSLATE_NOOP("KeyboardShortcuts", "This list and the version (About)"),
+             [this] { showAbout(); });
+    // Listed only: the grid action and the view's own keys.
+    keys.add(Qt::CTRL | Qt::Key_G, QT_TRANSLATE_NOOP("KeyboardShortcuts", "Grid on or off"), nullptr);
+    keys.add(Qt::Key_Plus, QT_TRANSLATE_NOOP("KeyboardShortcuts", "Larger points (in the view)"), nullptr);
+    keys.add(Qt::Key_Minus, QT_TRANSLATE_NOOP("KeyboardShortcuts", "Smaller points (in the view)"), nullptr);
 }
 
 void ScanDeck::wireOfflinePlayer()
@@ -60,7 +102,11 @@ void ScanDeck::wireOfflinePlayer()
     OffinePlayWidget* player = ui->offline;
     // Direct: each tick of the player draws before it returns.
     connect(player, &OffinePlayWidget::SendLidarDataSignal, this, &ScanDeck::showFrame, Qt::DirectConnection);
-    connect(player, &OffinePlayWidget::SendLidarTypeSignal, this, &ScanDeck::setWindowTitle);
+    connect(player, &OffinePlayWidget::SendLidarTypeSignal, this, [this](const QString& model) {
+        m_playbackModel = model;
+        setWindowTitle(model);
+    });
+    connect(player, &OffinePlayWidget::SendPlaybackFileSignal, this, &ScanDeck::showPlaybackTitle);
     connect(player, &OffinePlayWidget::SendShowTableWidgetSignal, this, [this](bool bShow) {
         if (bShow != ui->btn_table->isChecked())
             ui->btn_table->click();
@@ -83,21 +129,11 @@ void ScanDeck::wireSessionSignals()
     if (!session)
         return;
     auto& c = m_sessionConnections;
-    // Motor switch and filter box: the session is the receiver, so the
-    // commands run (queued) on the session's thread.
-    c << connect(ui->btn_motor_state, &QAbstractButton::toggled, session,
-                 [session](bool checked) { session->SetMotorFrequency(checked ? 1 : 0); });
     // The session lives on its worker thread: its frames reach the display
     // through the queue, every one of them drawn while drawing keeps up.
     c << m_liveFrames->attach(session);
     c << connect(session, &LidarAnalysis::SendMessageSignal, this, &ScanDeck::showWarning);
     c << connect(session, &LidarAnalysis::SendEndSaveDataSignal, this, &ScanDeck::showFileSaved);
-    c << connect(session, &LidarAnalysis::SendGPSTimeData, this, [](const lidar::GPSTime&) {
-        // The GPS test window takes these once it exists.
-    });
-    c << connect(ui->comboBox_motor_filter, QOverload<int>::of(&QComboBox::activated), session,
-                 [session](int index) { session->SetLidarFilter(index); });
-    // The frequency command runs here, on the user interface thread.
-    c << connect(ui->comboBox_motor_frequency, &QComboBox::textActivated, this,
-                 &ScanDeck::setMotorFrequencyFromText);
+    // Motor switch, filter and frequency boxes, and the GPS test window.
+    m_devicePanel->bindSession(m_live.session());
 }

@@ -1,10 +1,7 @@
-// scandeck-cli info: what a recording holds.
+// scandeck-cli info: what a recording or a capture holds.
 
 #include "CliSupport.h"
-#include "LIdarFactory.h"
-#include "RecordFile.h"
-#include "RecordingCheck.h"
-#include "TernProtocol.h"
+#include "FrameSource.h"
 
 #include <QCommandLineParser>
 
@@ -12,45 +9,23 @@ namespace cli {
 namespace {
 
 const char* const kHelp =
-    "Usage: scandeck-cli info <recording>\n"
+    "Usage: scandeck-cli info <recording|capture> [--model <Name>] [--port <n>] [--firmware <n>]\n"
     "\n"
     "Prints the model of a recording, its number of packets, complete frames\n"
     "and points, and for models that stamp their packets with GPS time\n"
     "(Tern_P, Tern_GPS, Tern_Plus) the time of the first and last data packet.\n"
+    "For a tcpdump/Wireshark capture (pcap or pcapng) of the given model: its\n"
+    "format and link type, its packets, the UDP datagrams to the data port, the\n"
+    "complete frames and points they make, and the capture time of the first\n"
+    "and last datagram.\n"
     "\n"
-    "Exit status: 0 success, 1 the recording could not be read, 2 bad arguments.\n";
-
-// Where a data packet carries its calendar time: Tern_GPS packets at 90,
-// length-field packets 12 bytes before their end. -1: not a data packet.
-constexpr int kNoCalendar = -1;
-
-int calendarOffset(const QString& model, const QByteArray& packet)
-{
-    if (model == QLatin1String("Tern_GPS"))
-        return packet.size() == 102 ? 90 : kNoCalendar;
-    if (model == QLatin1String("Tern_P") || model == QLatin1String("Tern_Plus")) {
-        if (packet.size() >= 20 && lidar::tern::lengthFieldMatches(packet))
-            return packet.size() - 12;
-    }
-    return kNoCalendar;
-}
-
-bool hasGpsTime(const QString& model)
-{
-    return model == QLatin1String("Tern_GPS") || model == QLatin1String("Tern_P") ||
-           model == QLatin1String("Tern_Plus");
-}
-
-QString packetTime(const QString& model, const QVector<QByteArray>& packets, bool first)
-{
-    for (int k = 0; k < packets.size(); ++k) {
-        const QByteArray& packet = packets[first ? k : packets.size() - 1 - k];
-        const int offset = calendarOffset(model, packet);
-        if (offset >= 0)
-            return lidar::tern::dateTimeText(lidar::tern::readCalendar(packet, offset));
-    }
-    return QStringLiteral("none (no data packet)");
-}
+    "Options:\n"
+    "  --model <Name>         the lidar model of a capture: %1\n"
+    "  --port <n>             a capture's data port (default 2368)\n"
+    "  --firmware <n>         a capture's Tern_P firmware version number\n"
+    "  -h, --help             show this help\n"
+    "\n"
+    "Exit status: 0 success, 1 the input could not be read, 2 bad arguments.\n";
 
 }  // namespace
 
@@ -58,42 +33,53 @@ int runInfo(const QStringList& arguments)
 {
     const QString command = QStringLiteral("info");
     QCommandLineParser parser;
-    parser.addPositionalArgument("recording", "Recorded data file.");
-    const int early = parseCommandLine(parser, command, arguments, QString::fromLatin1(kHelp));
+    const QCommandLineOption model("model", "Model of a capture.", "name");
+    const QCommandLineOption port("port", "Data port of a capture.", "port", "2368");
+    const QCommandLineOption firmware("firmware", "Tern_P firmware version number.", "number", "0");
+    parser.addOptions({model, port, firmware});
+    parser.addPositionalArgument("input", "Recording or capture.");
+    const int early = parseCommandLine(parser, command, arguments, QString::fromLatin1(kHelp).arg(modelList()));
     if (early >= 0)
         return early;
     const QStringList positional = parser.positionalArguments();
     if (positional.size() != 1)
         return usageError(command, positional.isEmpty() ? "no recording given" : "give exactly one recording");
+    SourceOptions options;
+    options.model = parser.value(model);
+    if (!toPort(parser.value(port), options.port))
+        return usageError(command, QStringLiteral("port '%1' is not a port number").arg(parser.value(port)));
+    bool versionOk = false;
+    options.versionNumber = parser.value(firmware).toUInt(&versionOk, 10);
+    if (!versionOk)
+        return usageError(command, QStringLiteral("firmware '%1' is not a version number").arg(parser.value(firmware)));
 
-    const QString recording = positional.first();
-    const RecordingCheck check = checkRecording(recording);
-    if (!check.ok)
-        return fileError(recording, check.problem);
+    const QString input = positional.first();
+    QString error;
+    bool usage = false;
+    const std::unique_ptr<FrameSource> source = openFrameSource(input, options, error, usage);
+    if (!source)
+        return usage ? usageError(command, error) : (printError(error), int(Failure));
 
-    QVector<QByteArray> packets = lidar::readRecordFile(recording);
-    if (!packets.isEmpty())
-        packets.removeFirst();  // the model name
-    QString version;
-    if (check.model == QLatin1String("Tern_P") && !packets.isEmpty())
-        version = QString::fromLatin1(packets.takeFirst());
+    qint64 frames = 0, points = 0;
+    if (!source->run(
+            [&](lidar::LidarDataPoint_V4& frame) {
+                ++frames;
+                points += qint64(frame.pointCount());
+                return true;
+            },
+            error))
+        return fileError(input, error);
 
-    const auto parsed = LIdarFactory::GetInstance()->ParseFile(recording);
-    qint64 points = 0;
-    for (const auto& frame : parsed.second)
-        points += qint64(frame.pointCount());
-
-    printOut(QStringLiteral("file:              %1").arg(recording));
-    printOut(QStringLiteral("model:             %1").arg(check.model));
-    if (check.model == QLatin1String("Tern_P"))
-        printOut(QStringLiteral("version number:    %1").arg(version));
-    printOut(QStringLiteral("packets:           %1").arg(packets.size()));
-    printOut(QStringLiteral("complete frames:   %1").arg(parsed.second.size()));
+    printOut(QStringLiteral("file:              %1").arg(input));
+    printOut(QStringLiteral("model:             %1").arg(source->model()));
+    for (const QString& line : source->details())
+        printOut(line);
+    printOut(QStringLiteral("complete frames:   %1").arg(frames));
     printOut(QStringLiteral("points:            %1").arg(points));
-    if (hasGpsTime(check.model)) {
-        printOut(QStringLiteral("first packet time: %1").arg(packetTime(check.model, packets, true)));
-        printOut(QStringLiteral("last packet time:  %1").arg(packetTime(check.model, packets, false)));
-    }
+    for (const QString& line : source->times())
+        printOut(line);
+    for (const QString& warning : source->warnings())
+        printError(QStringLiteral("%1: warning: %2").arg(input, warning));
     return Success;
 }
 

@@ -71,15 +71,22 @@ void LidarAnalysis::DisconnectLidar()
 
 void LidarAnalysis::readSerial()
 {
-    receiveBuffer.append(serialPort->readAll());
+    const QByteArray bytes = serialPort->readAll();
+    datagramsReceived.fetch_add(1, std::memory_order_relaxed);
+    bytesReceived.fetch_add(quint64(bytes.size()), std::memory_order_relaxed);
+    receiveBuffer.append(bytes);
     ParseLidarData();
     writeRecordingAfterArrival();
 }
 
 void LidarAnalysis::readDatagrams()
 {
-    while (udpSocket->hasPendingDatagrams())
-        receiveBuffer.append(udpSocket->receiveDatagram().data());
+    while (udpSocket->hasPendingDatagrams()) {
+        const QByteArray datagram = udpSocket->receiveDatagram().data();
+        datagramsReceived.fetch_add(1, std::memory_order_relaxed);
+        bytesReceived.fetch_add(quint64(datagram.size()), std::memory_order_relaxed);
+        receiveBuffer.append(datagram);
+    }
     ParseLidarData();
     writeRecordingAfterArrival();
 }
@@ -148,6 +155,7 @@ void LidarAnalysis::WaitDisconnect()
 void LidarAnalysis::finishFrame()
 {
     frameReceived.exchange(1);
+    framesCompleted.fetch_add(1, std::memory_order_relaxed);
     if (connected)
         emit SendleLidarDataSignal(currentFrame);
     currentFrame.clear();

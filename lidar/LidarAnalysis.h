@@ -107,6 +107,12 @@ public:
     QFile saveFile;
     QString saveError;  // why the last recording failed; empty when it did not
     std::atomic<uint8_t> saving{0};
+    // Running totals of the link since the session was made, read from the
+    // user interface thread for the link status: datagrams (serial reads),
+    // their bytes, and revolutions completed whether shown or not.
+    std::atomic<quint64> datagramsReceived{0};
+    std::atomic<quint64> bytesReceived{0};
+    std::atomic<quint64> framesCompleted{0};
 
 protected:
     // Appends a packet, exactly as cut, to the recording while one runs.

@@ -1,13 +1,17 @@
 #include "OffinePlayWidget.h"
 
+#include "CaptureFrames.h"
+#include "CaptureModelDialog.h"
+#include "IniSettings.h"
 #include "LIdarFactory.h"
+#include "RecentFolder.h"
 #include "RecordingRefusal.h"
+#include "UserMessages.h"
 #include "ui_OffinePlayWidget.h"
 
 #include <QDir>
 #include <QFileDialog>
 #include <QKeyEvent>
-#include <QMessageBox>
 #include <QTimerEvent>
 
 namespace {
@@ -27,6 +31,7 @@ OffinePlayWidget::OffinePlayWidget(QWidget* parent) : QWidget(parent), ui(new Ui
     ui->setupUi(this);
     setMessageHook(nullptr);
     setOpenFileHook(nullptr);
+    setCaptureModelHook(nullptr);
     setControlsLoaded(false);
     ui->spinBox_progress->installEventFilter(this);
     connectControls();
@@ -43,7 +48,7 @@ void OffinePlayWidget::setMessageHook(MessageHook hook)
         messageHook = std::move(hook);
         return;
     }
-    messageHook = [this](const QString& title, const QString& text) { QMessageBox::information(this, title, text); };
+    messageHook = [this](const QString& title, const QString& text) { usermessages::information(this, title, text); };
 }
 
 void OffinePlayWidget::setOpenFileHook(OpenFileHook hook)
@@ -55,6 +60,45 @@ void OffinePlayWidget::setOpenFileHook(OpenFileHook hook)
     openFileHook = [this](const QString& caption, const QString& directory, const QString& filter) {
         return QFileDialog::getOpenFileName(this, caption, directory, filter);
     };
+}
+
+void OffinePlayWidget::setCaptureModelHook(CaptureModelHook hook)
+{
+    if (hook) {
+        captureModelHook = std::move(hook);
+        return;
+    }
+    captureModelHook = [this](QString& model, quint16& port) {
+        CaptureModelDialog dialog(model, port, this);
+        if (dialog.exec() != QDialog::Accepted)
+            return false;
+        model = dialog.model();
+        port = dialog.port();
+        return true;
+    };
+}
+
+bool OffinePlayWidget::readCapture(const QString& path, QString& model, QVector<lidar::LidarDataPoint_V4>& captured)
+{
+    capture::CaptureOptions options;
+    CaptureModelDialog::lastChoice(options.model, options.port);
+    if (!captureModelHook(options.model, options.port))
+        return false;
+    CaptureModelDialog::rememberChoice(options.model, options.port);
+    capture::CaptureFramesResult result;
+    captured = capture::parseCaptureFile(path, options, &result);
+    if (!result.ok) {
+        inform(tr("information"), result.error);
+        return false;
+    }
+    if (captured.isEmpty()) {
+        inform(tr("information"), tr("Unable to parse this file"));
+        return false;
+    }
+    if (!result.warnings.isEmpty())
+        inform(tr("information"), result.warnings.join(QLatin1Char('\n')));
+    model = options.model;
+    return true;
 }
 
 void OffinePlayWidget::inform(const QString& title, const QString& text)
@@ -112,18 +156,31 @@ void OffinePlayWidget::openFile()
         inform(tr("information"), tr("Please disconnect first!"));
         return;
     }
-    const QString path = openFileHook(tr("Open File"), QDir::homePath() + "/", QStringLiteral("*.txt"));
+    IniSettings settings;
+    const QString filter = tr("Recordings (*.txt)") + QStringLiteral(";;") + tr("Captures (*.pcap *.pcapng)")
+                           + QStringLiteral(";;") + tr("All files (*)");
+    const QString path =
+        openFileHook(tr("Open File"), recentfolder::folder(settings, QDir::homePath() + "/"), filter);
     if (path.isEmpty())
         return;
+    recentfolder::remember(settings, path);
+    if (capture::looksLikeCaptureFile(path)) {
+        QString model;
+        QVector<lidar::LidarDataPoint_V4> captured;
+        if (readCapture(path, model, captured))
+            loadFrames(model, captured, path);
+        return;
+    }
     const auto parsed = LIdarFactory::GetInstance()->ParseFile(path);
     if (parsed.second.isEmpty()) {
         inform(tr("information"), offline::refusalText(path));
         return;
     }
-    loadFrames(parsed.first, parsed.second);
+    loadFrames(parsed.first, parsed.second, path);
 }
 
-void OffinePlayWidget::loadFrames(const QString& name, const QVector<lidar::LidarDataPoint_V4>& newFrames)
+void OffinePlayWidget::loadFrames(const QString& name, const QVector<lidar::LidarDataPoint_V4>& newFrames,
+                                  const QString& path)
 {
     frames = newFrames;
     if (frames.isEmpty()) {
@@ -131,6 +188,7 @@ void OffinePlayWidget::loadFrames(const QString& name, const QVector<lidar::Lida
         return;
     }
     loaded = true;
+    file = path;
     current = 0;
     count = frames.size();
 
@@ -142,6 +200,7 @@ void OffinePlayWidget::loadFrames(const QString& name, const QVector<lidar::Lida
 
     setControlsLoaded(true);
     emit SendLidarTypeSignal(name);
+    emit SendPlaybackFileSignal(file);
     emit SendLidarDataSignal(frames.first());
 }
 
@@ -231,6 +290,30 @@ void OffinePlayWidget::nextFrame()
     showFrameAt(qMin(current + 1, count));
 }
 
+void OffinePlayWidget::firstFrame()
+{
+    if (!frames.isEmpty())
+        showFrameAt(1);
+}
+
+void OffinePlayWidget::lastFrame()
+{
+    if (!frames.isEmpty())
+        showFrameAt(count);
+}
+
+void OffinePlayWidget::openIfAllowed()
+{
+    if (ui->btn_open_file->isEnabled())
+        ui->btn_open_file->click();
+}
+
+void OffinePlayWidget::toggleExportIfAllowed()
+{
+    if (ui->btn_export_csv->isEnabled())
+        ui->btn_export_csv->click();
+}
+
 void OffinePlayWidget::seekFromSlider(int value)
 {
     if (value < 1 || value > count || frames.isEmpty())
@@ -259,12 +342,12 @@ void OffinePlayWidget::seekFromSpinBox()
     // Judge the typed text, not value(): text the range rejects (0, an empty
     // box) never becomes the value, and silently showing the old position
     // instead would hide the mistake.
-    QSpinBox* box = ui->spinBox_progress;
+    FrameNumberBox* box = ui->spinBox_progress;
     bool isNumber = false;
     const int typed = box->cleanText().toInt(&isNumber);
     if (!isNumber || typed < 1 || typed > count) {
         inform(tr("information"), tr("There is an error in the input. Please enter it again"));
-        box->setValue(qBound(1, current, count));
+        box->resetTo(qBound(1, current, count));
         box->selectAll();
         return;
     }
@@ -277,7 +360,9 @@ void OffinePlayWidget::seekFromSpinBox()
 void OffinePlayWidget::stop()
 {
     playing = false;
+    const bool wasLoaded = loaded;
     loaded = false;
+    file.clear();
     stopPlaybackTimer();
     frames.clear();
     packets.clear();
@@ -287,6 +372,8 @@ void OffinePlayWidget::stop()
     ui->btn_play->setChecked(false);
     ui->spinBox_progress->clear();
     setControlsLoaded(false);
+    if (wasLoaded)
+        emit SendPlaybackFileSignal(QString());
     emit SendLidarDataSignal(emptyFrame());
 }
 

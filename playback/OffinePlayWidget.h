@@ -1,8 +1,9 @@
 #pragma once
 // The offline player: the "offline" page of the main window. It opens a
-// recording, has the model registry parse it into frames and sends them one
-// by one, on a precise timer or step by step, through SendLidarDataSignal
-// into the same display slot that live frames reach.
+// recording (or a tcpdump/Wireshark capture of a lidar's stream), has it
+// parsed into frames and sends them one by one, on a precise timer or step
+// by step, through SendLidarDataSignal into the same display slot that live
+// frames reach.
 
 #include "LidarRecords.h"
 
@@ -30,20 +31,33 @@ public:
     // result means the user cancelled.
     using OpenFileHook = std::function<QString(const QString& caption, const QString& directory,
                                                const QString& filter)>;
+    // Asks which model sent a capture and to which data port, starting from
+    // the last choice; false when the user cancels.
+    using CaptureModelHook = std::function<bool(QString& model, quint16& port)>;
 
     explicit OffinePlayWidget(QWidget* parent = nullptr);
     ~OffinePlayWidget() override;
 
     // True while a file is loaded; the main window refuses live connections then.
     bool isLoaded() const { return loaded; }
-    // Takes over the frames of a parsed recording of model `name` and shows
-    // the first one. No frames: "Unable to parse this file", nothing changes.
-    void loadFrames(const QString& name, const QVector<lidar::LidarDataPoint_V4>& newFrames);
+    // Takes over the frames of a parsed recording of model `name` (read from
+    // `path`, if known) and shows the first one. No frames: "Unable to parse
+    // this file", nothing changes.
+    void loadFrames(const QString& name, const QVector<lidar::LidarDataPoint_V4>& newFrames,
+                    const QString& path = QString());
+    // The file being played; empty when none is loaded or it came without a path.
+    QString currentFile() const { return file; }
 
     void setExportAction(ExportAction action) { exportAction = std::move(action); }
     // Empty hooks restore the defaults (QMessageBox::information, QFileDialog).
     void setMessageHook(MessageHook hook);
     void setOpenFileHook(OpenFileHook hook);
+    void setCaptureModelHook(CaptureModelHook hook);
+
+    // Reads a tcpdump/Wireshark capture after asking for its model: the
+    // model's name and its frames. false when the user cancelled or nothing
+    // could be played (the user has been told why).
+    bool readCapture(const QString& path, QString& model, QVector<lidar::LidarDataPoint_V4>& captured);
 
     // Playback state, read by the main window and by tests.
     int currentPosition() const { return current; }
@@ -59,12 +73,19 @@ signals:
     void SendShowTableWidgetSignal(bool bShow);
     void SendExportCsvDataSianal(bool checked);
     void SendEndSaveDataSignal(QString fileName);
+    // The file now being played, or an empty path once Stop unloads it.
+    void SendPlaybackFileSignal(QString path);
 
 public slots:
     void openFile();
     void playPause();
     void previousFrame();
     void nextFrame();
+    void firstFrame();
+    void lastFrame();
+    // What the buttons do, unless they are disabled (keyboard shortcuts).
+    void openIfAllowed();
+    void toggleExportIfAllowed();
     // Unloads the file and empties the display with an empty frame.
     void stop();
     void setSpeed(int index);
@@ -101,8 +122,10 @@ private:
     bool playing = false;
     int interval = 100;  // ms
     bool loaded = false;
+    QString file;
     ExportAction exportAction;
 
     MessageHook messageHook;
     OpenFileHook openFileHook;
+    CaptureModelHook captureModelHook;
 };

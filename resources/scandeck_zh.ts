@@ -4,7 +4,7 @@
 <context>
     <name>AboutDialog</name>
     <message>
-        <location filename="../app/AboutDialog.cpp" line="+70"/>
+        <location filename="../app/AboutDialog.cpp" line="+89"/>
         <source>About</source>
         <translation>关于</translation>
     </message>
@@ -12,6 +12,11 @@
         <location line="+1"/>
         <source>Lidar firmware:</source>
         <translation>雷达固件版本：</translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>Keyboard shortcuts:</source>
+        <translation>键盘快捷键：</translation>
     </message>
 </context>
 <context>
@@ -25,6 +30,104 @@
         <location line="+1"/>
         <source>wait...</source>
         <translation>请稍候...</translation>
+    </message>
+</context>
+<context>
+    <name>BoxSelectionDialog</name>
+    <message>
+        <location filename="../measure/BoxSelectionDialog.cpp" line="+10"/>
+        <location line="+13"/>
+        <source>Box Selection Settings</source>
+        <translation>框选设置</translation>
+    </message>
+</context>
+<context>
+    <name>CaptureFile</name>
+    <message>
+        <location filename="../lidar/CaptureFile.cpp" line="+74"/>
+        <source>Cannot open %1: %2</source>
+        <translation>无法打开 %1：%2</translation>
+    </message>
+    <message>
+        <location line="+24"/>
+        <source>the capture</source>
+        <translation>抓包文件</translation>
+    </message>
+    <message>
+        <location line="+6"/>
+        <source>Cannot read %1 as a capture: %2</source>
+        <translation>无法将 %1 作为抓包文件读取：%2</translation>
+    </message>
+    <message>
+        <location line="+11"/>
+        <source>The link type %1 (%2) of %3 is not supported: only Ethernet, Linux cooked (SLL, SLL2), raw IP and BSD loopback captures can be read</source>
+        <translation>不支持 %3 的链路类型 %1（%2）：只能读取以太网、Linux cooked（SLL、SLL2）、原始 IP 和 BSD 回环的抓包文件</translation>
+    </message>
+    <message>
+        <location line="+48"/>
+        <source>The capture is damaged or cut short after %1 packets (%2); what came before is used</source>
+        <translation>抓包文件在第 %1 个数据包之后损坏或被截断（%2）；已使用之前的数据</translation>
+    </message>
+    <message>
+        <location line="+6"/>
+        <source>%1 datagrams were not captured whole (snapshot length too small) and were skipped</source>
+        <translation>%1 个数据报未被完整抓取（快照长度太小），已跳过</translation>
+    </message>
+    <message>
+        <location line="+4"/>
+        <source>%1 IP fragments never made a whole datagram and were skipped</source>
+        <translation>%1 个 IP 分片未能组成完整数据报，已跳过</translation>
+    </message>
+    <message>
+        <location line="+4"/>
+        <source>%1 packets with broken headers were skipped</source>
+        <translation>已跳过 %1 个报头损坏的数据包</translation>
+    </message>
+    <message>
+        <location line="+8"/>
+        <source>The capture holds no UDP datagram to port %1 (%2 packets read)</source>
+        <translation>抓包文件中没有发往端口 %1 的 UDP 数据报（已读取 %2 个数据包）</translation>
+    </message>
+    <message>
+        <location line="+7"/>
+        <source>; its UDP datagrams go to port %1</source>
+        <translation>；其中的 UDP 数据报发往端口 %1</translation>
+    </message>
+    <message>
+        <location filename="../lidar/CaptureFrames.cpp" line="+19"/>
+        <source>Unknown lidar model &quot;%1&quot;</source>
+        <translation>未知的雷达型号“%1”</translation>
+    </message>
+</context>
+<context>
+    <name>CaptureModelDialog</name>
+    <message>
+        <location filename="../playback/CaptureModelDialog.cpp" line="+22"/>
+        <source>Open a capture</source>
+        <translation>打开抓包文件</translation>
+    </message>
+    <message>
+        <location line="+12"/>
+        <source>A capture does not name its lidar. Which model sent this one, and to which port?</source>
+        <translation>抓包文件中没有雷达型号。这份数据来自哪个型号，发往哪个端口？</translation>
+    </message>
+    <message>
+        <location line="+4"/>
+        <source>Model:</source>
+        <translation>型号：</translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>Data port:</source>
+        <translation>数据端口：</translation>
+    </message>
+</context>
+<context>
+    <name>ColourLegend</name>
+    <message>
+        <location filename="../app/ColourLegend.cpp" line="+21"/>
+        <source>every point</source>
+        <translation>所有点</translation>
     </message>
 </context>
 <context>
@@ -46,6 +149,286 @@
     </message>
 </context>
 <context>
+    <name>DeviceSettingsPanel</name>
+    <message>
+        <location filename="../device/DeviceSettingsPanel.cpp" line="+52"/>
+        <source>Normal filtering</source>
+        <translation>正常滤波</translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>No filtering</source>
+        <translation>不滤波</translation>
+    </message>
+    <message>
+        <location line="+2"/>
+        <source>Within three meters</source>
+        <translation>三米以内</translation>
+    </message>
+    <message>
+        <location line="+4"/>
+        <location line="+13"/>
+        <source>Cannot be set</source>
+        <translation>不可设置</translation>
+    </message>
+</context>
+<context>
+    <name>ExportDataDialog</name>
+    <message>
+        <location filename="../export/ExportDataDialog.ui" line="+14"/>
+        <source>Export Data</source>
+        <translation>导出数据</translation>
+    </message>
+    <message>
+        <location line="+8"/>
+        <source>Frames to save:</source>
+        <translation>保存帧数：</translation>
+    </message>
+    <message>
+        <location line="+7"/>
+        <source>The next frames shown are written, live or offline</source>
+        <translation>写入接下来显示的帧（实时或离线）</translation>
+    </message>
+    <message>
+        <location line="+13"/>
+        <source>Start angle:</source>
+        <translation>起始角度：</translation>
+    </message>
+    <message>
+        <location line="+7"/>
+        <location line="+17"/>
+        <source> °</source>
+        <translation> °</translation>
+    </message>
+    <message>
+        <location line="-7"/>
+        <source>End angle:</source>
+        <translation>结束角度：</translation>
+    </message>
+    <message>
+        <location line="+20"/>
+        <source>Save to:</source>
+        <translation>保存到：</translation>
+    </message>
+    <message>
+        <location line="+12"/>
+        <source>Browse...</source>
+        <translation>浏览...</translation>
+    </message>
+    <message>
+        <location filename="../export/ExportDataDialog.cpp" line="+34"/>
+        <source>Setting a save path</source>
+        <translation>设置保存路径</translation>
+    </message>
+    <message>
+        <location line="+14"/>
+        <source>critical</source>
+        <translation>错误</translation>
+    </message>
+    <message>
+        <location line="+0"/>
+        <source>The number of saves must be greater than zero</source>
+        <translation>保存帧数必须大于零</translation>
+    </message>
+</context>
+<context>
+    <name>FrameNumberBox</name>
+    <message>
+        <location filename="../playback/FrameNumberBox.cpp" line="+49"/>
+        <source>No frame %1: enter a number from %2 to %3</source>
+        <translation>没有第 %1 帧：请输入 %2 到 %3 之间的数字</translation>
+    </message>
+</context>
+<context>
+    <name>GPSTest</name>
+    <message>
+        <location filename="../device/GPSTest.ui" line="+14"/>
+        <source>GPS Test</source>
+        <translation>GPS 测试</translation>
+    </message>
+    <message>
+        <location line="+8"/>
+        <source>Minimum（Millisecond）：</source>
+        <translation>最小值（毫秒）：</translation>
+    </message>
+    <message>
+        <location line="+14"/>
+        <source>Maximum（Millisecond）：</source>
+        <translation>最大值（毫秒）：</translation>
+    </message>
+    <message>
+        <location line="+14"/>
+        <source>Pause or resume the display</source>
+        <translation>暂停或继续显示</translation>
+    </message>
+    <message>
+        <location line="+21"/>
+        <source>Current frame time information</source>
+        <translation>当前帧时间信息</translation>
+    </message>
+    <message>
+        <location line="+6"/>
+        <location line="+135"/>
+        <source>Year：</source>
+        <translation>年：</translation>
+    </message>
+    <message>
+        <location line="-121"/>
+        <location line="+135"/>
+        <source>Month：</source>
+        <translation>月：</translation>
+    </message>
+    <message>
+        <location line="-121"/>
+        <location line="+135"/>
+        <source>Day：</source>
+        <translation>日：</translation>
+    </message>
+    <message>
+        <location line="-121"/>
+        <location line="+135"/>
+        <source>Hour：</source>
+        <translation>时：</translation>
+    </message>
+    <message>
+        <location line="-121"/>
+        <location line="+135"/>
+        <source>Minute：</source>
+        <translation>分：</translation>
+    </message>
+    <message>
+        <location line="-121"/>
+        <location line="+135"/>
+        <source>Second：</source>
+        <translation>秒：</translation>
+    </message>
+    <message>
+        <location line="-121"/>
+        <location line="+135"/>
+        <source>Millisecond：</source>
+        <translation>毫秒：</translation>
+    </message>
+    <message>
+        <location line="-121"/>
+        <location line="+135"/>
+        <source>Microsecond：</source>
+        <translation>微秒：</translation>
+    </message>
+    <message>
+        <location line="-121"/>
+        <location line="+135"/>
+        <source>Timestamp：</source>
+        <translation>时间戳：</translation>
+    </message>
+    <message>
+        <location line="-118"/>
+        <source>Last frame time information</source>
+        <translation>上一帧时间信息</translation>
+    </message>
+</context>
+<context>
+    <name>GridPolarDialog</name>
+    <message>
+        <location filename="../measure/GridPolarDialog.ui" line="+14"/>
+        <source>GridPolarDialog</source>
+        <translation>网格与极坐标设置</translation>
+    </message>
+    <message>
+        <location line="+12"/>
+        <source>R:</source>
+        <translation>红:</translation>
+    </message>
+    <message>
+        <location line="+45"/>
+        <source>G:</source>
+        <translation>绿:</translation>
+    </message>
+    <message>
+        <location line="+45"/>
+        <source>B:</source>
+        <translation>蓝:</translation>
+    </message>
+    <message>
+        <location line="+45"/>
+        <source>Grid Step(CM):</source>
+        <translation>网格间距(CM)：</translation>
+    </message>
+    <message>
+        <location line="+45"/>
+        <source>Polar Setp(CM):</source>
+        <translation>极坐标间距(CM)：</translation>
+    </message>
+    <message>
+        <location line="+45"/>
+        <source>Grid and Polar Setp(CM):</source>
+        <translation>网格与极坐标间距(CM)：</translation>
+    </message>
+    <message>
+        <location filename="../measure/GridPolarDialog.cpp" line="+26"/>
+        <location line="+33"/>
+        <source>setting</source>
+        <translation>设置</translation>
+    </message>
+</context>
+<context>
+    <name>KeyboardShortcuts</name>
+    <message>
+        <location filename="../app/ScanDeckWiring.cpp" line="+70"/>
+        <source>Play or pause (recording or live display)</source>
+        <translation>播放或暂停（录制文件或实时显示）</translation>
+    </message>
+    <message>
+        <location line="+7"/>
+        <source>Previous frame</source>
+        <translation>上一帧</translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>Next frame</source>
+        <translation>下一帧</translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>First frame</source>
+        <translation>第一帧</translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>Last frame</source>
+        <translation>最后一帧</translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>Open a recording</source>
+        <translation>打开录制文件</translation>
+    </message>
+    <message>
+        <location line="+4"/>
+        <source>Export frames to CSV (start or stop)</source>
+        <translation>导出帧到 CSV（开始或停止）</translation>
+    </message>
+    <message>
+        <location line="+7"/>
+        <source>This list and the version (About)</source>
+        <translation>本列表与版本信息（关于）</translation>
+    </message>
+    <message>
+        <location line="+3"/>
+        <source>Grid on or off</source>
+        <translation>打开或关闭网格</translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>Larger points (in the view)</source>
+        <translation>增大点（在视图中）</translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>Smaller points (in the view)</source>
+        <translation>减小点（在视图中）</translation>
+    </message>
+</context>
+<context>
     <name>LidarAnalysis</name>
     <message>
         <location filename="../lidar/LidarAnalysis.cpp" line="+58"/>
@@ -53,12 +436,12 @@
         <translation>请设置有效的连接状态！</translation>
     </message>
     <message>
-        <location line="+36"/>
+        <location line="+43"/>
         <source>Failed to send data</source>
         <translation>数据发送失败</translation>
     </message>
     <message>
-        <location line="+121"/>
+        <location line="+122"/>
         <source>The recording %1 could not be completed (%2).</source>
         <translation>录制文件 %1 无法完成（%2）。</translation>
     </message>
@@ -66,6 +449,29 @@
         <location line="+29"/>
         <source>Recording stopped: %1 could not be written (%2). It keeps the %3 packets recorded before.</source>
         <translation>录制已停止：无法写入 %1（%2）。文件保留了此前录制的 %3 个数据包。</translation>
+    </message>
+</context>
+<context>
+    <name>LinkStatusReadout</name>
+    <message>
+        <location filename="../app/LinkStatusReadout.cpp" line="+64"/>
+        <source>No data from the lidar for %1 s</source>
+        <translation>已 %1 秒未收到雷达数据</translation>
+    </message>
+    <message>
+        <location line="+6"/>
+        <source>%1 packets/s, %2 frames/s, %3 s ago</source>
+        <translation>%1 包/秒，%2 帧/秒，%3 秒前</translation>
+    </message>
+    <message>
+        <location line="+2"/>
+        <source>%1 kB/s, %2 frames/s, %3 s ago</source>
+        <translation>%1 kB/秒，%2 帧/秒，%3 秒前</translation>
+    </message>
+    <message>
+        <location line="+11"/>
+        <source>Link to the lidar: packets (over a serial port, kilobytes) and frames per second, and how long ago the last data arrived. frames/s counts the revolutions the lidar completes; the FPS figure in the view counts how often the view is drawn.</source>
+        <translation>与雷达的链路：每秒数据包数（串口为千字节数）和帧数，以及距上次收到数据的时间。帧/秒是雷达每秒完成的旋转圈数；视图中的 FPS 是视图每秒绘制的次数。</translation>
     </message>
 </context>
 <context>
@@ -77,23 +483,28 @@
     </message>
     <message>
         <location line="+6"/>
+        <source>Open a recording (Ctrl+O)</source>
+        <translation>打开录制文件（Ctrl+O）</translation>
+    </message>
+    <message>
+        <location line="+3"/>
         <source>Open offline data</source>
         <translation>打开离线数据</translation>
     </message>
     <message>
         <location line="+11"/>
-        <source>Previous frame</source>
-        <translation>上一帧</translation>
+        <source>Previous frame (Left)</source>
+        <translation>上一帧（左方向键）</translation>
     </message>
     <message>
         <location line="+11"/>
-        <source>Play / pause</source>
-        <translation>播放 / 暂停</translation>
+        <source>Play / pause (Space)</source>
+        <translation>播放 / 暂停（空格）</translation>
     </message>
     <message>
         <location line="+15"/>
-        <source>Next frame</source>
-        <translation>下一帧</translation>
+        <source>Next frame (Right)</source>
+        <translation>下一帧（右方向键）</translation>
     </message>
     <message>
         <location line="+11"/>
@@ -101,7 +512,7 @@
         <translation>循环播放</translation>
     </message>
     <message>
-        <location line="+14"/>
+        <location line="+15"/>
         <source>Stop</source>
         <translation>停止</translation>
     </message>
@@ -131,46 +542,75 @@
         <translation>X3</translation>
     </message>
     <message>
-        <location line="+38"/>
+        <location line="+8"/>
+        <source>Position in the recording (Home: first frame, End: last frame)</source>
+        <translation>录制文件中的位置（Home：第一帧，End：最后一帧）</translation>
+    </message>
+    <message>
+        <location line="+33"/>
         <source>Data Show</source>
         <translation>数据显示</translation>
     </message>
     <message>
-        <location line="+14"/>
+        <location line="+15"/>
+        <source>Export the next frames to a CSV file (Ctrl+E)</source>
+        <translation>将接下来的若干帧导出到 CSV 文件（Ctrl+E）</translation>
+    </message>
+    <message>
+        <location line="+3"/>
         <source>Export csv</source>
         <translation>导出 CSV</translation>
     </message>
     <message>
-        <location filename="../playback/OffinePlayWidget.cpp" line="+112"/>
-        <location line="+8"/>
-        <location line="+10"/>
-        <location line="+136"/>
+        <location filename="../playback/OffinePlayWidget.cpp" line="+91"/>
+        <location line="+4"/>
+        <location line="+4"/>
+        <location line="+57"/>
+        <location line="+20"/>
+        <location line="+11"/>
+        <location line="+162"/>
         <source>information</source>
         <translation>提示</translation>
     </message>
     <message>
-        <location line="-154"/>
+        <location line="-193"/>
         <source>Please disconnect first!</source>
         <translation>请先断开连接！</translation>
     </message>
     <message>
-        <location line="+3"/>
+        <location line="+7"/>
         <source>Open File</source>
         <translation>打开文件</translation>
     </message>
     <message>
-        <location line="+15"/>
+        <location line="-68"/>
+        <location line="+92"/>
         <location filename="../playback/RecordingRefusal.cpp" line="+12"/>
         <source>Unable to parse this file</source>
         <translation>无法解析该文件</translation>
     </message>
     <message>
-        <location line="+136"/>
+        <location line="-27"/>
+        <source>Recordings (*.txt)</source>
+        <translation>录制文件 (*.txt)</translation>
+    </message>
+    <message>
+        <location line="+0"/>
+        <source>Captures (*.pcap *.pcapng)</source>
+        <translation>抓包文件 (*.pcap *.pcapng)</translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>All files (*)</source>
+        <translation>所有文件 (*)</translation>
+    </message>
+    <message>
+        <location line="+188"/>
         <source>There is an error in the input. Please enter it again</source>
         <translation>输入有误，请重新输入</translation>
     </message>
     <message>
-        <location line="+29"/>
+        <location line="+33"/>
         <source>File saved</source>
         <translation>文件已保存</translation>
     </message>
@@ -191,44 +631,118 @@
     </message>
 </context>
 <context>
-    <name>ScanDeck</name>
+    <name>RangeSelectDialog</name>
     <message>
-        <location filename="../app/ScanDeck.cpp" line="+210"/>
-        <source>display behind: %1 frames skipped</source>
-        <translation>显示滞后：已跳过 %1 帧</translation>
+        <location filename="../measure/RangeSelectDialog.ui" line="+14"/>
+        <source>Resize Range</source>
+        <translation>调整范围</translation>
     </message>
     <message>
-        <location line="+39"/>
+        <location line="+11"/>
+        <source> X Axis Range：</source>
+        <translation> X轴范围：</translation>
+    </message>
+    <message>
+        <location line="+58"/>
+        <source> Y Axis Range：</source>
+        <translation> Y轴范围：</translation>
+    </message>
+    <message>
+        <location line="+58"/>
+        <source> Z Axis Range：</source>
+        <translation> Z轴范围：</translation>
+    </message>
+    <message>
+        <location line="+69"/>
+        <source>Ok</source>
+        <translation>确定</translation>
+    </message>
+    <message>
+        <location line="+10"/>
+        <source>Cancel</source>
+        <translation>取消</translation>
+    </message>
+</context>
+<context>
+    <name>ReadoutTexts</name>
+    <message>
+        <location filename="../measure/ReadoutTexts.cpp" line="+25"/>
+        <source>Azimuth:%1</source>
+        <translation>方位角：%1</translation>
+    </message>
+    <message>
+        <location line="+5"/>
+        <source>Distance:%1</source>
+        <translation>距离：%1</translation>
+    </message>
+    <message>
+        <location line="+5"/>
+        <source>Azimuth:</source>
+        <translation>方位角：</translation>
+    </message>
+    <message>
+        <location line="+5"/>
+        <source>Distance:</source>
+        <translation>距离：</translation>
+    </message>
+    <message>
+        <location line="+6"/>
         <source>motor speed:</source>
         <translation>电机转速：</translation>
     </message>
     <message>
-        <location line="+1"/>
+        <location line="+3"/>
+        <source>motor speed: %1 hz,%2 r/s</source>
+        <translation>电机转速：%1 hz,%2 r/s</translation>
+    </message>
+    <message>
+        <location line="+5"/>
+        <source>Δx:%1 CM</source>
+        <translation>Δx：%1 CM</translation>
+    </message>
+    <message>
+        <location line="+5"/>
+        <source>Δy:%1 CM</source>
+        <translation>Δy：%1 CM</translation>
+    </message>
+    <message>
+        <location line="+5"/>
+        <source>Δdistance:%1 CM</source>
+        <translation>Δ距离：%1 CM</translation>
+    </message>
+    <message>
+        <location line="+5"/>
         <source>Δx:</source>
         <translation>Δx：</translation>
     </message>
     <message>
-        <location line="+1"/>
+        <location line="+5"/>
         <source>Δy:</source>
         <translation>Δy：</translation>
     </message>
     <message>
-        <location line="+1"/>
+        <location line="+5"/>
         <source>Δdistance:</source>
         <translation>Δ距离：</translation>
     </message>
     <message>
-        <location line="+1"/>
-        <source>azimuth:</source>
-        <translation>方位角：</translation>
+        <location line="+5"/>
+        <source>Ambient:%1</source>
+        <translation>环境光：%1</translation>
     </message>
+</context>
+<context>
+    <name>RenderRateTip</name>
     <message>
-        <location line="+1"/>
-        <source>distance</source>
-        <translation>距离</translation>
+        <location filename="../app/RenderRateTip.cpp" line="+22"/>
+        <source>FPS: how many times per second the view is drawn. The lidar&apos;s own rate (frames/s) is in the link status at the bottom of the window.</source>
+        <translation>FPS：视图每秒绘制的次数。雷达自身的帧率（帧/秒）显示在窗口底部的链路状态中。</translation>
     </message>
+</context>
+<context>
+    <name>ScanDeck</name>
     <message>
-        <location line="+72"/>
+        <location filename="../app/ScanDeck.cpp" line="+364"/>
         <source>restart</source>
         <translation>重启</translation>
     </message>
@@ -239,30 +753,37 @@
     </message>
     <message>
         <location filename="../app/main.cpp" line="+37"/>
-        <location filename="../app/ScanDeck.cpp" line="+22"/>
-        <location filename="../app/ScanDeckLive.cpp" line="+155"/>
+        <location filename="../app/ScanDeck.cpp" line="+23"/>
+        <location filename="../app/ScanDeckLive.cpp" line="+175"/>
         <source>warning</source>
         <translation>警告</translation>
     </message>
     <message>
-        <location filename="../app/ScanDeck.cpp" line="+10"/>
+        <location filename="../app/ScanDeck.cpp" line="-137"/>
+        <source>display behind: %1 frames skipped</source>
+        <translation>显示滞后：已跳过 %1 帧</translation>
+    </message>
+    <message>
+        <location line="+147"/>
+        <location filename="../app/ScanDeckExport.cpp" line="+101"/>
         <source>File saved</source>
         <translation>文件已保存</translation>
     </message>
     <message>
         <location line="+0"/>
+        <location filename="../app/ScanDeckExport.cpp" line="+0"/>
         <source>File save path:%1</source>
         <translation>文件保存路径：%1</translation>
     </message>
     <message>
-        <location line="+7"/>
+        <location line="+8"/>
         <location line="+6"/>
-        <location line="+37"/>
+        <location line="+45"/>
         <source>question</source>
         <translation>询问</translation>
     </message>
     <message>
-        <location line="-42"/>
+        <location line="-50"/>
         <source>Data is being recorded. Do you want to save the data before exiting the program?</source>
         <translation>正在录制数据，退出程序前是否保存数据？</translation>
     </message>
@@ -272,8 +793,8 @@
         <translation>正在导出 CSV 数据，退出程序前是否保存数据？</translation>
     </message>
     <message>
-        <location line="+33"/>
-        <location filename="../app/ScanDeckLive.cpp" line="-81"/>
+        <location line="+41"/>
+        <location filename="../app/ScanDeckLive.cpp" line="-82"/>
         <location line="+13"/>
         <location line="+6"/>
         <source>information</source>
@@ -296,13 +817,13 @@
         <translation>自动连接失败，请手动连接雷达！</translation>
     </message>
     <message>
-        <location line="+23"/>
-        <location line="+25"/>
+        <location line="+24"/>
+        <location line="+22"/>
         <source>Please connect the radar first</source>
         <translation>请先连接雷达</translation>
     </message>
     <message>
-        <location line="-21"/>
+        <location line="-18"/>
         <source>pause</source>
         <translation>暂停</translation>
     </message>
@@ -312,12 +833,12 @@
         <translation>播放</translation>
     </message>
     <message>
-        <location line="+17"/>
+        <location line="+14"/>
         <source>Recorded data</source>
         <translation>已录制数据</translation>
     </message>
     <message>
-        <location line="+17"/>
+        <location line="+20"/>
         <source>Unable to create the file %1</source>
         <translation>无法创建文件 %1</translation>
     </message>
@@ -330,6 +851,39 @@
         <location line="+5"/>
         <source>settting a save path</source>
         <translation>设置保存路径</translation>
+    </message>
+    <message>
+        <location filename="../app/ScanDeckMeasure.cpp" line="+102"/>
+        <source>Distance between two points:</source>
+        <translation>两点间距离：</translation>
+    </message>
+    <message>
+        <location filename="../app/ScanDeckExport.cpp" line="-47"/>
+        <location line="+21"/>
+        <location line="+20"/>
+        <location line="+9"/>
+        <source>Export CSV</source>
+        <translation>导出 CSV</translation>
+    </message>
+    <message>
+        <location line="-44"/>
+        <source>File save failed!</source>
+        <translation>文件保存失败！</translation>
+    </message>
+    <message>
+        <location line="+4"/>
+        <source>Exporting data</source>
+        <translation>正在导出数据</translation>
+    </message>
+    <message>
+        <location line="+6"/>
+        <source>inquiry</source>
+        <translation>询问</translation>
+    </message>
+    <message>
+        <location line="+0"/>
+        <source>Do you want to cancel exporting CSV files?</source>
+        <translation>是否取消导出 CSV 文件？</translation>
     </message>
 </context>
 <context>
@@ -370,17 +924,12 @@
         <translation>断开</translation>
     </message>
     <message>
-        <location line="+39"/>
+        <location line="+40"/>
         <source>play</source>
         <translation>播放</translation>
     </message>
     <message>
-        <location line="+23"/>
-        <source>Pause or resume the live display</source>
-        <translation>暂停或继续实时显示</translation>
-    </message>
-    <message>
-        <location line="+13"/>
+        <location line="+36"/>
         <source>Clear</source>
         <translation>清空</translation>
     </message>
@@ -395,7 +944,7 @@
         <translation>录制数据</translation>
     </message>
     <message>
-        <location line="+22"/>
+        <location line="+23"/>
         <source>Record the raw data stream to a file</source>
         <translation>将原始数据流录制到文件</translation>
     </message>
@@ -405,12 +954,7 @@
         <translation>导出 CSV</translation>
     </message>
     <message>
-        <location line="+22"/>
-        <source>Write the next frames to a CSV file</source>
-        <translation>将接下来的若干帧写入 CSV 文件</translation>
-    </message>
-    <message>
-        <location line="+21"/>
+        <location line="+44"/>
         <source>offline</source>
         <translation>离线</translation>
     </message>
@@ -425,7 +969,7 @@
         <translation>电机状态：</translation>
     </message>
     <message>
-        <location line="+16"/>
+        <location line="+22"/>
         <source>Motor on or off</source>
         <translation>启动或停止电机</translation>
     </message>
@@ -530,38 +1074,33 @@
         <translation>纯色</translation>
     </message>
     <message>
-        <location line="+25"/>
-        <source>Version of ScanDeck and of the connected lidar</source>
-        <translation>ScanDeck 与已连接雷达的版本</translation>
-    </message>
-    <message>
-        <location line="+90"/>
+        <location line="+148"/>
         <source>Range Finding</source>
         <translation>测距</translation>
     </message>
     <message>
-        <location line="+29"/>
+        <location line="+30"/>
         <source>Point Cloud Box</source>
         <translation>点云框选</translation>
     </message>
     <message>
-        <location line="+32"/>
+        <location line="+33"/>
         <source>Range Resize</source>
         <translation>范围调整</translation>
     </message>
     <message>
         <location line="+33"/>
-        <location line="+345"/>
+        <location line="+353"/>
         <source>Grid</source>
         <translation>网格</translation>
     </message>
     <message>
-        <location line="-316"/>
+        <location line="-323"/>
         <source>Polar</source>
         <translation>极坐标</translation>
     </message>
     <message>
-        <location line="+29"/>
+        <location line="+30"/>
         <source>Set Grid and Polar</source>
         <translation>网格与极坐标设置</translation>
     </message>
@@ -571,37 +1110,62 @@
         <translation>坐标轴</translation>
     </message>
     <message>
-        <location line="+29"/>
+        <location line="+30"/>
         <source>Top</source>
         <translation>俯视</translation>
     </message>
     <message>
-        <location line="+29"/>
+        <location line="+30"/>
         <source>Front</source>
         <translation>前视</translation>
     </message>
     <message>
-        <location line="+29"/>
+        <location line="+30"/>
         <source>Left</source>
         <translation>左视</translation>
     </message>
     <message>
-        <location line="+29"/>
+        <location line="+30"/>
         <source>Right</source>
         <translation>右视</translation>
     </message>
     <message>
-        <location line="+36"/>
+        <location line="+37"/>
         <source>Point Table</source>
         <translation>点表</translation>
     </message>
     <message>
-        <location line="-424"/>
+        <location line="-433"/>
         <source>About</source>
         <translation>关于</translation>
     </message>
     <message>
-        <location line="+23"/>
+        <location line="-653"/>
+        <source>Pause or resume the live display (Space)</source>
+        <translation>暂停或继续实时显示（空格）</translation>
+    </message>
+    <message>
+        <location line="+111"/>
+        <source>Write the next frames to a CSV file (Ctrl+E)</source>
+        <translation>将接下来的若干帧写入 CSV 文件（Ctrl+E）</translation>
+    </message>
+    <message>
+        <location line="+493"/>
+        <source>Show or hide the colour legend in the view</source>
+        <translation>显示或隐藏视图中的颜色图例</translation>
+    </message>
+    <message>
+        <location line="+3"/>
+        <source>Legend</source>
+        <translation>图例</translation>
+    </message>
+    <message>
+        <location line="+43"/>
+        <source>Version of ScanDeck and of the connected lidar, and the keyboard shortcuts (F1)</source>
+        <translation>ScanDeck 与已连接雷达的版本，以及键盘快捷键（F1）</translation>
+    </message>
+    <message>
+        <location line="+26"/>
         <source>Hide or show the panel above</source>
         <translation>隐藏或显示上方面板</translation>
     </message>
@@ -616,12 +1180,12 @@
         <translation>测距 – 点击两个点测量它们之间的距离</translation>
     </message>
     <message>
-        <location line="+29"/>
+        <location line="+30"/>
         <source>Point Cloud Box – drag a rectangle to select the points inside</source>
         <translation>点云框选 – 拖出矩形选取其中的点</translation>
     </message>
     <message>
-        <location line="+32"/>
+        <location line="+33"/>
         <source>Range Resize – edit the selection box</source>
         <translation>范围调整 – 编辑框选范围</translation>
     </message>
@@ -631,12 +1195,12 @@
         <translation>网格 – 地面上的方形网格（Ctrl+G）</translation>
     </message>
     <message>
-        <location line="+29"/>
+        <location line="+30"/>
         <source>Polar – range rings around the lidar</source>
         <translation>极坐标 – 雷达周围的距离环</translation>
     </message>
     <message>
-        <location line="+29"/>
+        <location line="+30"/>
         <source>Set Grid and Polar – colour and spacing of grid and rings</source>
         <translation>网格与极坐标设置 – 网格和距离环的颜色与间距</translation>
     </message>
@@ -646,32 +1210,32 @@
         <translation>坐标轴 – 雷达处的坐标轴</translation>
     </message>
     <message>
-        <location line="+29"/>
+        <location line="+30"/>
         <source>Top – view from above</source>
         <translation>俯视 – 从上方观察</translation>
     </message>
     <message>
-        <location line="+29"/>
+        <location line="+30"/>
         <source>Front – view from the front</source>
         <translation>前视 – 从前方观察</translation>
     </message>
     <message>
-        <location line="+29"/>
+        <location line="+30"/>
         <source>Left – view from the left</source>
         <translation>左视 – 从左侧观察</translation>
     </message>
     <message>
-        <location line="+29"/>
+        <location line="+30"/>
         <source>Right – view from the right</source>
         <translation>右视 – 从右侧观察</translation>
     </message>
     <message>
-        <location line="+36"/>
+        <location line="+37"/>
         <source>Point Table – the points of the frame as a table</source>
         <translation>点表 – 以表格显示当前帧的点</translation>
     </message>
     <message>
-        <location line="+108"/>
+        <location line="+109"/>
         <source>Ctrl+G</source>
         <translation>Ctrl+G</translation>
     </message>
@@ -818,6 +1382,78 @@
         <location line="+1"/>
         <source>Precision:</source>
         <translation>精度：</translation>
+    </message>
+</context>
+<context>
+    <name>ViewExportTools</name>
+    <message>
+        <location filename="../export/ViewExportTools.cpp" line="+66"/>
+        <source>Save view</source>
+        <translation>保存视图</translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>Save the view as a PNG picture (Ctrl+S)</source>
+        <translation>将视图保存为 PNG 图片（Ctrl+S）</translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>Export PCD</source>
+        <translation>导出 PCD</translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>Export PLY</source>
+        <translation>导出 PLY</translation>
+    </message>
+    <message>
+        <location line="+2"/>
+        <source>Export point cloud</source>
+        <translation>导出点云</translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>Save the current frame as a PCD or PLY point cloud</source>
+        <translation>将当前帧保存为 PCD 或 PLY 点云</translation>
+    </message>
+    <message>
+        <location line="+16"/>
+        <source>Setting a save path</source>
+        <translation>设置保存路径</translation>
+    </message>
+    <message>
+        <location line="+18"/>
+        <location line="+28"/>
+        <source>warning</source>
+        <translation>警告</translation>
+    </message>
+    <message>
+        <location line="-28"/>
+        <location line="+28"/>
+        <source>File save failed!</source>
+        <translation>文件保存失败！</translation>
+    </message>
+    <message>
+        <location line="-25"/>
+        <location line="+28"/>
+        <source>File saved</source>
+        <translation>文件已保存</translation>
+    </message>
+    <message>
+        <location line="-28"/>
+        <location line="+28"/>
+        <source>File save path:%1</source>
+        <translation>文件保存路径：%1</translation>
+    </message>
+    <message>
+        <location line="-21"/>
+        <source>information</source>
+        <translation>提示</translation>
+    </message>
+    <message>
+        <location line="+0"/>
+        <source>There is no frame to export</source>
+        <translation>没有可导出的帧</translation>
     </message>
 </context>
 </TS>

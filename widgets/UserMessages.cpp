@@ -1,10 +1,13 @@
 #include "UserMessages.h"
 
+#include "MessageBoxFit.h"
+
 namespace usermessages {
 namespace {
 
 QMessageBox::StandardButton showRealBox(QWidget* parent, const UserMessage& message)
 {
+    messagebox::fitAllMessageBoxes();
     switch (message.kind) {
     case UserMessage::Information:
         return QMessageBox::information(parent, message.title, message.text, message.buttons);

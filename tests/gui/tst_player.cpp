@@ -52,13 +52,16 @@ bool writeRecording(const QString& path, const QVector<QByteArray>& elements, in
 class PlayerTest : public QObject {
     Q_OBJECT
 private slots:
-    void initTestCase() { lidar::registerMetaTypes(); }
+    // Opening a file remembers its folder in ./ini: not in the build's own.
+    void initTestCase() { lidar::registerMetaTypes(), QDir::setCurrent(dir.path()); }
     void init();
     void cleanup() { delete spy; delete player; }
-    void cleanupTestCase() { LIdarFactory::GetInstance()->Shutdown(); }
+    void cleanupTestCase() { LIdarFactory::GetInstance()->Shutdown(), QDir::setCurrent(buildDir); }
 
     void loadPlayLoopAndRestart();
     void stepsSliderAndStop();
+    void frameBox_data();
+    void frameBox();
     void openRefused_data();
     void openRefused();
 
@@ -74,6 +77,7 @@ private:
     QStringList messages;  // "title: text"
     QString pathToOpen;
     QTemporaryDir dir;
+    const QString buildDir = QDir::currentPath();
 };
 
 void PlayerTest::init()
@@ -146,17 +150,10 @@ void PlayerTest::stepsSliderAndStop()
     auto* spin = child<QSpinBox>("spinBox_progress");
     QTest::keyClick(slider, Qt::Key_Left);
     QCOMPARE(spin->value(), 2);
-    // A frame number typed into the spin box (Return or Enter); 0 or nothing is refused.
-    for (const char* typed : {"3", "0", ""}) {
-        auto* edit = spin->findChild<QLineEdit*>();
-        edit->clear();
-        QTest::keyClicks(edit, typed);
-        QTest::keyClick(edit, *typed == '3' ? Qt::Key_Enter : Qt::Key_Return);
-    }
-    QCOMPARE(shown(*spy), (QList<int>{2, 3}));
-    const QString refusal = QStringLiteral("information: There is an error in the input. Please enter it again");
-    QCOMPARE(messages, (QStringList{refusal, refusal}));
-    QCOMPARE(QList<int>({player->currentPosition(), slider->value(), spin->text().toInt()}), QList<int>({3, 3, 3}));
+    player->lastFrame();
+    player->firstFrame();
+    QCOMPARE(shown(*spy), (QList<int>{2, 3, 1}));
+    QCOMPARE(QList<int>({player->currentPosition(), slider->value(), spin->value()}), QList<int>({1, 1, 1}));
 
     click("btn_stop");
     const Frame empty = spy->last().at(0).value<Frame>();
@@ -166,6 +163,48 @@ void PlayerTest::stepsSliderAndStop()
     QVERIFY(child<QPushButton>("btn_open_file")->isEnabled() && !child<QPushButton>("btn_next")->isEnabled());
     player->nextFrame();  // nothing to show
     QCOMPARE(spy->last().at(0).value<Frame>().motorSpeed, -1);
+}
+
+void PlayerTest::frameBox_data()
+{
+    QTest::addColumn<QString>("typed");
+    QTest::addColumn<int>("key");
+    QTest::addColumn<int>("shownFrame");  // 0: refused, frame 2 stays
+    QTest::newRow("in range, Enter") << "12" << int(Qt::Key_Enter) << 12;
+    QTest::newRow("in range, Return") << "7" << int(Qt::Key_Return) << 7;
+    QTest::newRow("999 is no frame 9") << "999" << int(Qt::Key_Return) << 0;
+    QTest::newRow("one past the end") << "13" << int(Qt::Key_Return) << 0;
+    QTest::newRow("zero") << "0" << int(Qt::Key_Return) << 0;
+    QTest::newRow("nothing") << "" << int(Qt::Key_Return) << 0;
+}
+
+// A number typed into the frame box moves only on Return or Enter, and only
+// to a frame that exists; anything else is refused where the user sees it.
+void PlayerTest::frameBox()
+{
+    QFETCH(QString, typed);
+    QFETCH(int, key);
+    QFETCH(int, shownFrame);
+    player->loadFrames("Tern", numberedFrames(12));
+    player->nextFrame();
+    player->nextFrame();
+    spy->clear();
+    auto* spin = child<QSpinBox>("spinBox_progress");
+    auto* edit = spin->findChild<QLineEdit*>();
+    edit->clear();
+    QTest::keyClicks(edit, typed);
+    QCOMPARE(spin->cleanText(), typed);  // kept as typed, not cut to a number in range
+    QCOMPARE(spin->property("outOfRange").toBool(), shownFrame == 0 && !typed.isEmpty());
+    QVERIFY(spy->isEmpty());
+    QTest::keyClick(edit, Qt::Key(key));
+    const int position = shownFrame ? shownFrame : 2;
+    QCOMPARE(shown(*spy), shownFrame ? QList<int>{shownFrame} : QList<int>{});
+    QCOMPARE(messages.size(), shownFrame ? 0 : 1);
+    if (!shownFrame)
+        QCOMPARE(messages[0], QStringLiteral("information: There is an error in the input. Please enter it again"));
+    QCOMPARE(QList<int>({player->currentPosition(), child<QSlider>("horizontalSlider")->value(), spin->text().toInt()}),
+             QList<int>({position, position, position}));
+    QVERIFY2(!spin->property("outOfRange").toBool(), qPrintable(spin->text()));
 }
 
 void PlayerTest::openRefused_data()

@@ -1,23 +1,30 @@
 // The main window without a lidar: its state at start, the language taken
 // from and written to the settings file, hand-made frames through showFrame
-// (rounding, angle range, colours, box, table), camera views, live frames
-// when drawing falls behind, and the offline player in the window (an
-// unusable file, connecting refused while loaded).
+// (rounding, angle range, colours, box, table), the colour legend, camera
+// views, live frames when drawing falls behind, the offline player in the
+// window (an unusable file, the open dialog's folder and filter, the title,
+// connecting refused while loaded) and the keyboard shortcuts.
 
+#include "AboutDialog.h"
+#include "ColourLegendOverlay.h"
+#include "ExportDataDialog.h"
 #include "LiveFrameQueue.h"
 #include "OffinePlayWidget.h"
 #include "SimRecording.h"
 #include "Tern.h"
 #include "tst_scandeck_support.h"
 
-#include <QLabel>
-#include <QThread>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QDialogButtonBox>
 #include <QDoubleSpinBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
 #include <QSpinBox>
 #include <QStandardItemModel>
 #include <QTabWidget>
+#include <QThread>
 
 #include <vtkCamera.h>
 #include <vtkRenderer.h>
@@ -63,6 +70,10 @@ private slots:
     void cameraViews();
     void liveFramesSkipOnlyWhenDrawingFallsBehind();
     void playerInTheWindow();
+    void colourLegend_data();
+    void colourLegend();
+    void keyboardShortcuts_data();
+    void keyboardShortcuts();
 
 private:
     std::unique_ptr<ScratchWorkingDir> m_dir;
@@ -143,6 +154,11 @@ void ScanDeckWindowTest::roundingTableAndRange()
     control<QSpinBox>(w.get(), "spinBox_precision")->setValue(0);
     w->showFrame(ringFrame(50));
     QCOMPARE(tableColumn(model, 2), (QStringList{"0", "7", "14", "22", "29"}));  // 7.2 degrees apart
+    // "All Data" partly checked keeps the spin box's rows but locks the spin box.
+    control<QCheckBox>(w.get(), "checkBox_all_data")->setCheckState(Qt::PartiallyChecked);
+    w->showFrame(ringFrame(50));
+    QCOMPARE(model->rowCount(), 5);
+    QVERIFY(!control<QSpinBox>(w.get(), "spinBox_rows")->isEnabled());
 
     // An empty frame empties the view and leaves the table.
     w->showFrame(Frame());
@@ -260,7 +276,19 @@ void ScanDeckWindowTest::liveFramesSkipOnlyWhenDrawingFallsBehind()
     QVERIFY(skipped.isEmpty() && label->isHidden());
 
     // The window is busy for 1.3 s while frames keep coming: those more
-    // than a second older than the newest are skipped, the rest drawn.
+    // than a second older than the newest are skipped, the rest drawn. A
+    // CSV export running meanwhile still writes every one of them.
+    QTemporaryDir files;
+    w->setExportDialogHook([&](ExportDataDialog& d) {
+        d.findChild<QSpinBox*>("spinBox_frame_count")->setValue(1000);
+        d.findChild<QLineEdit*>("lineEdit_path")->setText(files.filePath("live.csv"));
+        d.findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Ok)->click();
+        return d.result() == QDialog::Accepted;
+    });
+    auto* exportButton = control<QAbstractButton>(w.get(), "btn_export_csv");
+    exportButton->setEnabled(true);  // it waits for a lidar otherwise
+    exportButton->click();
+    QVERIFY(w->csvExport().isActive());
     drawn.clear();
     for (int i = 0; i < 130; ++i) {
         send(100 + i);
@@ -273,6 +301,7 @@ void ScanDeckWindowTest::liveFramesSkipOnlyWhenDrawingFallsBehind()
     QVERIFY(label->isVisible());
     QCOMPARE(label->text(), QString("display behind: %1 frames skipped").arg(skipped.size()));
     QCOMPARE(w->lastFrame().motorSpeed, 229);
+    QCOMPARE(w->csvExport().framesWritten(), 130);
     disconnect(attached);
 }
 
@@ -287,7 +316,11 @@ void ScanDeckWindowTest::playerInTheWindow()
     auto window = openWindow();
     ScanDeck* w = window.get();
     auto* player = control<OffinePlayWidget>(w, "offline");
-    player->setOpenFileHook([&toOpen](const QString&, const QString&, const QString&) { return toOpen; });
+    QStringList dialogs;  // "folder|filter" of each open dialog
+    player->setOpenFileHook([&](const QString&, const QString& folder, const QString& filter) {
+        dialogs << folder + "|" + filter;
+        return toOpen;
+    });
     const QString titleBefore = w->windowTitle();
     clickPlayer(player, "btn_open_file");
     QCOMPARE(messages.texts, QStringList{"information: Unable to parse this file"});
@@ -303,7 +336,10 @@ void ScanDeckWindowTest::playerInTheWindow()
     QVERIFY2(sim::writeRecording(options, 6, toOpen, &error), qPrintable(error));
     clickPlayer(player, "btn_open_file");
     QVERIFY(player->isLoaded() && w->frameCloud().size() > 100);
-    QCOMPARE(w->windowTitle(), QStringLiteral("Tern_Plus"));
+    QCOMPARE(w->windowTitle(), QStringLiteral("Tern_Plus — Tern_Plus.txt"));
+    // The first dialog starts at home, the next in the folder of the file opened before.
+    const QString filter = QStringLiteral("|Recordings (*.txt);;Captures (*.pcap *.pcapng);;All files (*)");
+    QCOMPARE(dialogs, (QStringList{QDir::homePath() + "/" + filter, files.path() + filter}));
 
     // While a file is loaded the window will not connect.
     click(w, "btn_connect");
@@ -316,6 +352,110 @@ void ScanDeckWindowTest::playerInTheWindow()
     clickPlayer(player, "btn_stop");
     QVERIFY(!player->isLoaded() && !player->isPlaying());
     QCOMPARE(w->frameCloud().size(), size_t(0));
+    QCOMPARE(w->windowTitle(), QStringLiteral("ScanDeck"));
+}
+
+void ScanDeckWindowTest::colourLegend_data()
+{
+    QTest::addColumn<int>("mode");
+    QTest::addColumn<QStringList>("labels");  // of the swatches, or the ramp's ticks
+    QTest::newRow("Intensity") << 0 << QStringList{"0", "32", "64", "128", "255"};
+    QTest::newRow("Azimuth") << 1 << QStringList{"0° – 90°", "90° – 180°", "180° – 270°", "270° – 360°"};
+    QTest::newRow("Solid") << 2 << QStringList{"every point"};
+}
+
+// The legend shows the colours the points are really drawn in, sits clear of
+// the middle of the view, and goes away when switched off or when the view
+// is too small to keep the middle free.
+void ScanDeckWindowTest::colourLegend()
+{
+    QFETCH(int, mode);
+    QFETCH(QStringList, labels);
+    auto w = openWindow();
+    auto* legend = w->findChild<ColourLegendOverlay*>();
+    auto* modes = control<QComboBox>(w.get(), "comboBox_color_mode");
+    modes->setCurrentIndex(mode);
+    QCOMPARE(legend->title(), modes->currentText());
+
+    // One point per band, at azimuths 45, 135, 225, 315 with intensities 0, 80, 200, 255.
+    w->showFrame(makeFrame({{0, 1, 0, 45, 0}, {0, 1, 0, 135, 80}, {0, 1, 0, 225, 200}, {0, 1, 0, 315, 255}}));
+    const auto drawn = colours(w->frameCloud());
+    const display::ColourLegend& content = legend->legend();
+    QStringList shownLabels;
+    QList<QList<int>> legendColours;
+    for (const display::LegendSwatch& swatch : content.swatches) {
+        shownLabels << swatch.label;
+        legendColours << QList<int>{swatch.colour.r, swatch.colour.g, swatch.colour.b};
+    }
+    if (!content.ramp.isEmpty()) {
+        for (int tick : content.rampTicks)
+            shownLabels << QString::number(tick);
+        for (int intensity : {0, 80, 200, 255})
+            legendColours << QList<int>{content.ramp[intensity].r, content.ramp[intensity].g, content.ramp[intensity].b};
+    }
+    QCOMPARE(shownLabels, labels);
+    QCOMPARE(legendColours, mode == 2 ? drawn.mid(0, 1) : drawn);
+
+    QWidget* view = control(w.get(), "openGLWidget");
+    QVERIFY(legend->isVisible());
+    QVERIFY(!legend->geometry().intersects(ColourLegendOverlay::middleOf(view->size())));
+    click(w.get(), "btn_legend");
+    QVERIFY(!legend->isVisible());
+    click(w.get(), "btn_legend");
+    QVERIFY(legend->isVisible());
+    // A view too small to keep the middle free has no room for it.
+    QVERIFY(ColourLegendOverlay::placement(legend->sizeHint(), QSize(320, 200)).isEmpty());
+}
+
+void ScanDeckWindowTest::keyboardShortcuts_data()
+{
+    QTest::addColumn<QList<int>>("keys");
+    QTest::addColumn<int>("frame");  // the number of the frame shown last
+    QTest::addColumn<bool>("playing");
+    QTest::newRow("End") << QList<int>{Qt::Key_End} << 5 << false;
+    QTest::newRow("End, Left") << QList<int>{Qt::Key_End, Qt::Key_Left} << 4 << false;
+    QTest::newRow("End, Home") << QList<int>{Qt::Key_End, Qt::Key_Home} << 1 << false;
+    QTest::newRow("Right, Right") << QList<int>{Qt::Key_Right, Qt::Key_Right} << 2 << false;
+    QTest::newRow("Space plays") << QList<int>{Qt::Key_Space} << 1 << true;
+    QTest::newRow("Space, Space pauses") << QList<int>{Qt::Key_Space, Qt::Key_Space} << 1 << false;
+}
+
+// Keys pressed where the keyboard focus is when the window opens.
+void ScanDeckWindowTest::keyboardShortcuts()
+{
+    QFETCH(QList<int>, keys);
+    QFETCH(int, frame);
+    QFETCH(bool, playing);
+    auto w = openWindow();
+    w->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(w.get()));
+    auto* player = control<OffinePlayWidget>(w.get(), "offline");
+    QVector<Frame> frames(5, ringFrame(10));
+    for (int i = 0; i < frames.size(); ++i)
+        frames[i].motorSpeed = i + 1;
+    player->loadFrames(QStringLiteral("Tern"), frames);
+    const auto press = [&w](int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
+        QWidget* focus = QApplication::focusWidget();
+        QTest::keyClick(focus ? focus : w.get(), Qt::Key(key), modifiers);
+    };
+    for (int key : keys)
+        press(key);
+    QCOMPARE(w->lastFrame().motorSpeed, frame);
+    QCOMPARE(player->isPlaying(), playing);
+    player->stop();
+
+    // Without a recording, Ctrl+O opens one (on the offline page) and F1
+    // lists the keys.
+    int opened = 0;
+    player->setOpenFileHook([&opened](const QString&, const QString&, const QString&) { return ++opened, QString(); });
+    press(Qt::Key_O, Qt::ControlModifier);
+    QCOMPARE(opened, 1);
+    QCOMPARE(control<QTabWidget>(w.get(), "tabWidget")->currentWidget(), control(w.get(), "tab_offline"));
+    press(Qt::Key_F1);
+    auto* about = w->findChild<AboutDialog*>();
+    QVERIFY(about && about->isVisible());
+    QVERIFY(about->findChild<QLabel*>("label_shortcuts")->text().contains("Space"));
+    about->close();
 }
 
 SCANDECK_TEST_MAIN(ScanDeckWindowTest)
