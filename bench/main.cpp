@@ -21,7 +21,7 @@
 
 namespace {
 
-constexpr double kTargetPacketsPerSecond = 200000.0;
+constexpr double kTargetPacketsPerSecond = 1000000.0;
 constexpr double kTargetMemoryRatio = 2.0;
 constexpr int kRevolutions = 2000;  // 48,000 packets a run
 constexpr double kMinimumSeconds = 1.0;

@@ -2,6 +2,7 @@
 
 #include <QDataStream>
 #include <QFile>
+#include <QtEndian>
 
 namespace lidar {
 
@@ -40,6 +41,64 @@ bool writeRecordElements(QIODevice& device, const QVector<QByteArray>& elements)
     for (const QByteArray& element : elements)
         out << element;
     return out.status() == QDataStream::Ok;
+}
+
+RecordLayout scanRecordFile(const QString& fileName)
+{
+    RecordLayout layout;
+    QFile file(fileName);
+    if (!file.open(QIODevice::ReadOnly))
+        return layout;
+    layout.size = file.size();
+    char be32[4];
+    if (file.read(be32, 4) != 4)
+        return layout;
+    layout.hasCount = true;
+    layout.announced = qFromBigEndian<quint32>(be32);
+    layout.completeEnd = 4;
+    // Read through rather than seek past each element: one read call per
+    // 16 KiB instead of one seek per packet.
+    QByteArray skipped;
+    while (file.read(be32, 4) == 4) {
+        quint32 length = qFromBigEndian<quint32>(be32);
+        if (length == 0xFFFFFFFFu)  // a null byte array: no bytes follow
+            length = 0;
+        // No packet comes near 16 MiB: a length like that is damage.
+        if (length > (1u << 24) || layout.completeEnd + 4 + qint64(length) > layout.size)
+            break;
+        skipped.resize(int(length));
+        if (file.read(skipped.data(), length) != qint64(length))
+            break;
+        if (layout.complete == 0)
+            layout.first = skipped;
+        ++layout.complete;
+        layout.completeEnd += 4 + qint64(length);
+    }
+    return layout;
+}
+
+qint64 repairRecordFile(const QString& fileName, QString* error)
+{
+    const auto failed = [error](const QString& why) {
+        if (error)
+            *error = why;
+        return qint64(-1);
+    };
+    QFile file(fileName);
+    if (!file.open(QIODevice::ReadWrite))
+        return failed(file.errorString());
+    file.close();
+    const RecordLayout layout = scanRecordFile(fileName);
+    if (!layout.hasCount || layout.complete == 0)
+        return failed(QStringLiteral("no complete element: not a recording"));
+    if (layout.isWhole())
+        return layout.complete;
+    char count[4];
+    qToBigEndian(layout.complete, count);
+    if (!file.open(QIODevice::ReadWrite) || !file.resize(layout.completeEnd) || !file.seek(0)
+        || file.write(count, 4) != 4 || !file.flush())
+        return failed(file.errorString());
+    return layout.complete;
 }
 
 }  // namespace lidar

@@ -30,9 +30,9 @@ public:
 
     // Points of one 92-byte data packet (the 41st word is dropped unless the
     // 40th is zero). Pure: used live and offline.
-    static void DecodePacket(const QByteArray& packet, lidar::decode::DecodedPacket& out);
+    static void DecodePacket(lidar::decode::Bytes packet, lidar::decode::DecodedPacket& out);
     // Version text and filter mode of a 186-byte reply into `param`.
-    static void DecodeReply(const QByteArray& reply, LidarParam& param);
+    static void DecodeReply(lidar::decode::Bytes reply, LidarParam& param);
 
     static constexpr int kPacketSize = 92;
     static constexpr int kReplySize = 186;

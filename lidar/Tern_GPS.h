@@ -32,7 +32,7 @@ public:
 
     // Points of one 102-byte data packet, time stamps not yet set; returns
     // the packet's calendar time. Pure: used live and offline.
-    static lidar::tern::CalendarTime DecodePacket(const QByteArray& packet, lidar::decode::DecodedPacket& out);
+    static lidar::tern::CalendarTime DecodePacket(lidar::decode::Bytes packet, lidar::decode::DecodedPacket& out);
 
     static constexpr int kPacketSize = 102;
     static constexpr int kReplySize = 188;

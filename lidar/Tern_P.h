@@ -38,11 +38,11 @@ public:
 
     // Points of one data packet decoded for firmware `version`, time stamps
     // not yet set; returns the packet's calendar time. Pure.
-    static lidar::tern::CalendarTime DecodePacket(const QByteArray& packet, uint32_t version,
+    static lidar::tern::CalendarTime DecodePacket(lidar::decode::Bytes packet, uint32_t version,
                                                   lidar::decode::DecodedPacket& out);
     // Version text and filter mode of a 188-byte reply into `param`;
     // returns the firmware version number.
-    static uint32_t DecodeReply(const QByteArray& reply, LidarParam& param);
+    static uint32_t DecodeReply(lidar::decode::Bytes reply, LidarParam& param);
 
     static constexpr int kMinimumBuffer = 92;
     static constexpr int kReplySize = 188;

@@ -10,12 +10,12 @@ tern::PacketClock Tern_Plus::packetClock;
 
 Tern_Plus::Tern_Plus(QObject* parent) : GpsSession(parent) {}
 
-tern::CalendarTime Tern_Plus::DecodePacket(const QByteArray& packet, DecodedPacket& out)
+tern::CalendarTime Tern_Plus::DecodePacket(Bytes packet, DecodedPacket& out)
 {
     return tern::decodeVariablePacket(packet, tern::kUnmaskedFlaggedWords, out);
 }
 
-void Tern_Plus::DecodeReply(const QByteArray& reply, LidarParam& param)
+void Tern_Plus::DecodeReply(Bytes reply, LidarParam& param)
 {
     tern::readReply(reply, 173, param);
     param.value2 = be16(reply, 141) / 60;
@@ -23,21 +23,15 @@ void Tern_Plus::DecodeReply(const QByteArray& reply, LidarParam& param)
 
 void Tern_Plus::ParseLidarData()
 {
-    tern::parseStream(receiveBuffer, kMinimumBuffer, 0, [this](const QByteArray& piece) {
+    tern::parseStream(receiveBuffer, kMinimumBuffer, 0, [this](Bytes piece) {
         if (tern::isVariableDataPacket(piece)) {
-            recordPacket(piece);
+            recordPacket(piece.data, piece.size);
             const tern::CalendarTime time = DecodePacket(piece, decoded_);
             emit SendGPSTimeData(packetClock.apply(decoded_, time));
             placePoints<float>(decoded_, currentFrame, lastFrame, previousAzimuth, [this] { finishFrame(); });
-            return true;
+        } else if (piece.size == kReplySize) {
+            takeReply([piece](LidarParam& p) { DecodeReply(piece, p); });
         }
-        if (piece.size() == kReplySize) {
-            replyReceived = 1;
-            DecodeReply(piece, param);
-            SetMotorFrequency(param.frequency);
-            return true;
-        }
-        return false;
     });
 }
 
@@ -66,5 +60,5 @@ void Tern_Plus::SetDeviceParam(quint8 value)
 {
     emit SendDataToLidarSignal(DeviceParamCommand(static_cast<signed char>(value)));
     QThread::msleep(100);
-    SetMotorFrequency(param.frequency);
+    SetMotorFrequency(storedFrequency());
 }

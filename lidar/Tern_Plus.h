@@ -37,9 +37,9 @@ public:
 
     // Points of one data packet, time stamps not yet set; returns the
     // packet's calendar time. Pure.
-    static lidar::tern::CalendarTime DecodePacket(const QByteArray& packet, lidar::decode::DecodedPacket& out);
+    static lidar::tern::CalendarTime DecodePacket(lidar::decode::Bytes packet, lidar::decode::DecodedPacket& out);
     // Version text, filter mode and motor speed setting of a 188-byte reply.
-    static void DecodeReply(const QByteArray& reply, LidarParam& param);
+    static void DecodeReply(lidar::decode::Bytes reply, LidarParam& param);
     // The set-motor-speed command: value * 60 at 141..142.
     static QByteArray DeviceParamCommand(signed char value);
 

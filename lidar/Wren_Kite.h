@@ -28,7 +28,7 @@ public:
     static QVector<lidar::LidarDataPoint_V4> ParseRecordedPackets(const QVector<QByteArray>& packets);
 
     // Points of one data packet under channel ID 0. Pure.
-    static void DecodePacket(const QByteArray& packet, lidar::decode::DecodedPacket& out);
+    static void DecodePacket(lidar::decode::Bytes packet, lidar::decode::DecodedPacket& out);
 
     static constexpr int kPacketSize = 58;
     static constexpr uint8_t kPacketType = 0x3A;

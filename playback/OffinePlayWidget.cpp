@@ -5,6 +5,7 @@
 #include "IniSettings.h"
 #include "LIdarFactory.h"
 #include "RecentFolder.h"
+#include "RecordingRefusal.h"
 #include "UserMessages.h"
 #include "ui_OffinePlayWidget.h"
 
@@ -172,7 +173,7 @@ void OffinePlayWidget::openFile()
     }
     const auto parsed = LIdarFactory::GetInstance()->ParseFile(path);
     if (parsed.second.isEmpty()) {
-        inform(tr("information"), tr("Unable to parse this file"));
+        inform(tr("information"), offline::refusalText(path));
         return;
     }
     loadFrames(parsed.first, parsed.second, path);

@@ -373,7 +373,7 @@
 <context>
     <name>KeyboardShortcuts</name>
     <message>
-        <location filename="../app/ScanDeckWiring.cpp" line="+69"/>
+        <location filename="../app/ScanDeckWiring.cpp" line="+70"/>
         <source>Play or pause (recording or live display)</source>
         <translation>播放或暂停（录制文件或实时显示）</translation>
     </message>
@@ -431,14 +431,24 @@
 <context>
     <name>LidarAnalysis</name>
     <message>
-        <location filename="../lidar/LidarAnalysis.cpp" line="+53"/>
+        <location filename="../lidar/LidarAnalysis.cpp" line="+58"/>
         <source>Please set a valid connection status!</source>
         <translation>请设置有效的连接状态！</translation>
     </message>
     <message>
-        <location line="+41"/>
+        <location line="+43"/>
         <source>Failed to send data</source>
         <translation>数据发送失败</translation>
+    </message>
+    <message>
+        <location line="+122"/>
+        <source>The recording %1 could not be completed (%2).</source>
+        <translation>录制文件 %1 无法完成（%2）。</translation>
+    </message>
+    <message>
+        <location line="+29"/>
+        <source>Recording stopped: %1 could not be written (%2). It keeps the %3 packets recorded before.</source>
+        <translation>录制已停止：无法写入 %1（%2）。文件保留了此前录制的 %3 个数据包。</translation>
     </message>
 </context>
 <context>
@@ -552,7 +562,7 @@
         <translation>导出 CSV</translation>
     </message>
     <message>
-        <location filename="../playback/OffinePlayWidget.cpp" line="+90"/>
+        <location filename="../playback/OffinePlayWidget.cpp" line="+91"/>
         <location line="+4"/>
         <location line="+4"/>
         <location line="+57"/>
@@ -574,8 +584,8 @@
     </message>
     <message>
         <location line="-68"/>
-        <location line="+81"/>
-        <location line="+11"/>
+        <location line="+92"/>
+        <location filename="../playback/RecordingRefusal.cpp" line="+12"/>
         <source>Unable to parse this file</source>
         <translation>无法解析该文件</translation>
     </message>
@@ -613,6 +623,11 @@
         <location line="+2"/>
         <source>Export CSV</source>
         <translation>导出 CSV</translation>
+    </message>
+    <message>
+        <location filename="../playback/RecordingRefusal.cpp" line="+5"/>
+        <source>The recording was cut short. &quot;scandeck-cli repair %1&quot; makes its complete packets readable again.</source>
+        <translation>该录制文件不完整。运行 &quot;scandeck-cli repair %1&quot; 可恢复其中完整的数据包。</translation>
     </message>
 </context>
 <context>
@@ -727,7 +742,7 @@
 <context>
     <name>ScanDeck</name>
     <message>
-        <location filename="../app/ScanDeck.cpp" line="+349"/>
+        <location filename="../app/ScanDeck.cpp" line="+364"/>
         <source>restart</source>
         <translation>重启</translation>
     </message>
@@ -744,7 +759,12 @@
         <translation>警告</translation>
     </message>
     <message>
-        <location filename="../app/ScanDeck.cpp" line="+10"/>
+        <location filename="../app/ScanDeck.cpp" line="-137"/>
+        <source>display behind: %1 frames skipped</source>
+        <translation>显示滞后：已跳过 %1 帧</translation>
+    </message>
+    <message>
+        <location line="+147"/>
         <location filename="../app/ScanDeckExport.cpp" line="+101"/>
         <source>File saved</source>
         <translation>文件已保存</translation>
@@ -779,11 +799,6 @@
         <location line="+6"/>
         <source>information</source>
         <translation>提示</translation>
-    </message>
-    <message>
-        <location line="+0"/>
-        <source>Unable to parse this file</source>
-        <translation>无法解析该文件</translation>
     </message>
     <message>
         <location line="+3"/>

@@ -107,6 +107,9 @@ private slots:
     void infoShowsGpsPacketTimes();
     void listen_data();
     void listen();
+    void repair_data();
+    void repair();
+    void recordingOfAKilledListenIsRepaired();
 
 private:
     QString write(const QString& name, const QByteArray& content)
@@ -406,6 +409,72 @@ void CliTest::listen()
     // The recording is a complete file; nothing is ever sent back without --lidar.
     QVERIFY(runCli({"info", record}).out.contains("model:             Tern\n"));
     QVERIFY(lidar.commands().isEmpty());
+}
+
+void CliTest::repair_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<int>("exitCode");
+    QTest::addColumn<QString>("said");  // on stdout, or on stderr when it fails
+    QTest::addColumn<int>("packets");   // in the file afterwards, -1: left as it was
+    const QByteArray whole = recording("Tern", testing::ternRevolutions(2));
+    QByteArray unfinished = whole;
+    unfinished.replace(0, 4, QByteArray(4, '\xFF'));
+    QTest::newRow("unfinished, cut inside a packet")
+        << unfinished.left(4 + 8 + 30 * 96 + 40) << 0
+        << "repaired, kept 30 complete packets of model Tern (dropped 40 bytes of an incomplete packet)" << 30;
+    QTest::newRow("unfinished") << unfinished << 0 << "repaired, kept 48 complete packets of model Tern" << 48;
+    QTest::newRow("complete") << whole << 0 << "complete, 48 packets of model Tern; nothing to repair" << -1;
+    QTest::newRow("not a recording") << QByteArray("hello, this is not a recording\n") << 1
+                                     << "not a recording: it holds no complete element" << -1;
+    QTest::newRow("unknown model") << recording("Falcon", {}).replace(0, 4, QByteArray(4, '\xFF')) << 1
+                                   << "not a recording of a known model: left as it is" << -1;
+}
+
+void CliTest::repair()
+{
+    QFETCH(QByteArray, content);
+    QFETCH(int, exitCode);
+    QFETCH(QString, said);
+    QFETCH(int, packets);
+    const QString file = write("repair.txt", content);
+    const Run run = runCli({"repair", file});
+    QCOMPARE(run.exitCode, exitCode);
+    QCOMPARE(QString::fromLocal8Bit(exitCode ? run.err : run.out).trimmed(),
+             (exitCode ? "scandeck-cli: " + file + ": " : file + ": ") + said);
+    QFile repaired(file);
+    QVERIFY(repaired.open(QIODevice::ReadOnly));
+    if (packets < 0)
+        QCOMPARE(repaired.readAll(), content);
+    else
+        QCOMPARE(lidar::readRecordElements(repaired).size(), 1 + packets);
+}
+
+// A capture killed mid-way (as a crash or a power loss would stop it) has
+// its packets on disk; repair makes them a recording the tools read.
+void CliTest::recordingOfAKilledListenIsRepaired()
+{
+    testing::LoopbackLidar lidar;
+    const quint16 port = testing::freeUdpPort();
+    const QString record = dir_.filePath("killed.txt");
+    QProcess process;
+    process.start(cliPath(), {"listen", "--model", "Tern", "--udp", QString("127.0.0.1:%1").arg(port), "--frames",
+                              "1000", "--record", record, "--timeout", "30"});
+    QVERIFY(testing::waitFor([&] { return process.canReadLine(); }, 10000));
+    const QVector<QByteArray> packets = testing::ternRevolutions(4);
+    for (const QByteArray& packet : packets) {
+        lidar.send(packet, port);
+        testing::waitFor([] { return false; }, 1);
+    }
+    QVERIFY(testing::waitFor([&] { return lidar::scanRecordFile(record).complete == 1 + packets.size(); }));
+    process.kill();
+    QVERIFY(process.waitForFinished(5000));
+
+    QCOMPARE(runCli({"info", record}).exitCode, 1);
+    const Run repaired = runCli({"repair", record});
+    QCOMPARE(repaired.exitCode, 0);
+    QCOMPARE(repaired.out.trimmed(), (record + ": repaired, kept 96 complete packets of model Tern").toLocal8Bit());
+    QVERIFY(runCli({"info", record}).out.contains("complete frames:   3\n"));  // the fourth turn never closed
 }
 
 QTEST_MAIN(CliTest)

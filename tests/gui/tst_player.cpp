@@ -211,19 +211,23 @@ void PlayerTest::openRefused_data()
 {
     QTest::addColumn<QVector<QByteArray>>("elements");  // empty: no file
     QTest::addColumn<int>("cutAt");
+    QTest::addColumn<bool>("cutShort");  // the message says how to repair it
     const auto tern = QVector<QByteArray>{"Tern"} + testing::ternRevolutions(3);
-    QTest::newRow("live session connected") << tern << -1;
-    QTest::newRow("missing file") << QVector<QByteArray>{} << -1;
-    QTest::newRow("zero length") << tern << 0;
-    QTest::newRow("truncated in the first packet") << tern << 100;
-    QTest::newRow("model name only") << QVector<QByteArray>{"Tern"} << -1;
-    QTest::newRow("unregistered model") << QVector<QByteArray>{"Heron"} + testing::ternRevolutions(3) << -1;
+    QTest::newRow("live session connected") << tern << -1 << false;
+    QTest::newRow("missing file") << QVector<QByteArray>{} << -1 << false;
+    QTest::newRow("zero length") << tern << 0 << false;
+    QTest::newRow("truncated in the first packet") << tern << 100 << true;
+    QTest::newRow("model name only") << QVector<QByteArray>{"Tern"} << -1 << false;
+    QTest::newRow("unregistered model") << QVector<QByteArray>{"Heron"} + testing::ternRevolutions(3) << -1 << false;
+    QTest::newRow("unregistered model, truncated") << QVector<QByteArray>{"Heron"} + testing::ternRevolutions(3) << 100
+                                                   << false;
 }
 
 void PlayerTest::openRefused()
 {
     QFETCH(QVector<QByteArray>, elements);
     QFETCH(int, cutAt);
+    QFETCH(bool, cutShort);
     const bool live = QTest::currentDataTag() == QByteArray("live session connected");
     auto session = LIdarFactory::GetInstance()->ChangeLidar("Tern");
     session->lidarIp = session->dataIp = "127.0.0.1";
@@ -232,7 +236,11 @@ void PlayerTest::openRefused()
     QVERIFY(elements.isEmpty() || writeRecording(pathToOpen, elements, cutAt));
     click("btn_open_file");
     session->connected = 0;
-    QCOMPARE(messages.join(""), live ? "information: Please disconnect first!" : "information: Unable to parse this file");
+    const QString refused = "information: Unable to parse this file";
+    QCOMPARE(messages.join(""), live ? "information: Please disconnect first!"
+                                : cutShort ? refused + "\nThe recording was cut short. \"scandeck-cli repair " +
+                                                 pathToOpen + "\" makes its complete packets readable again."
+                                           : refused);
     QVERIFY(!player->isLoaded() && spy->isEmpty());
 }
 
