@@ -6,6 +6,7 @@
 #include "LidarAnalysis.h"
 #include "OffinePlayWidget.h"
 #include "OfflineDrop.h"
+#include "RecordingOpener.h"
 #include "PointTableRow.h"
 #include "TableViewToolBar.h"
 #include "UserMessages.h"
@@ -387,8 +388,10 @@ bool ScanDeck::eventFilter(QObject* watched, QEvent* event)
 // A recording dropped on the view is played offline, if the user agrees.
 void ScanDeck::playDroppedFile(const QString& path)
 {
-    const auto parsed = LIdarFactory::GetInstance()->ParseFile(path);
-    if (parsed.second.isEmpty()) {
+    const RecordingOpener::Result opened = RecordingOpener::open(this, path);
+    if (opened.cancelled || opened.busy)
+        return;  // nothing changes
+    if (opened.frames.isEmpty()) {
         usermessages::information(this, tr("information"), tr("Unable to parse this file"));
         return;
     }
@@ -397,6 +400,6 @@ void ScanDeck::playDroppedFile(const QString& path)
     if (m_playing)
         ui->btn_play_pause->click();  // pause the live display first
     ui->offline->stop();
-    ui->offline->loadFrames(parsed.first, parsed.second);
+    ui->offline->loadFrames(opened.model, opened.frames);
     ui->tabWidget->setCurrentWidget(ui->tab_offline);
 }

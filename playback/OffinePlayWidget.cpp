@@ -1,6 +1,7 @@
 #include "OffinePlayWidget.h"
 
 #include "LIdarFactory.h"
+#include "RecordingOpener.h"
 #include "ui_OffinePlayWidget.h"
 
 #include <QDir>
@@ -104,6 +105,8 @@ void OffinePlayWidget::setControlsLoaded(bool isLoaded)
 
 void OffinePlayWidget::openFile()
 {
+    if (RecordingOpener::isOpening())
+        return;  // a click that slipped in while a recording loads
     // A paused live display clears the session's connected flag, but the
     // link is still up: its connection type says so.
     const auto session = LIdarFactory::GetInstance()->GetCurrentLidar();
@@ -114,12 +117,14 @@ void OffinePlayWidget::openFile()
     const QString path = openFileHook(tr("Open File"), QDir::homePath() + "/", QStringLiteral("*.txt"));
     if (path.isEmpty())
         return;
-    const auto parsed = LIdarFactory::GetInstance()->ParseFile(path);
-    if (parsed.second.isEmpty()) {
+    const RecordingOpener::Result opened = RecordingOpener::open(this, path);
+    if (opened.cancelled || opened.busy)
+        return;  // the player stays as it was
+    if (opened.frames.isEmpty()) {
         inform(tr("information"), tr("Unable to parse this file"));
         return;
     }
-    loadFrames(parsed.first, parsed.second);
+    loadFrames(opened.model, opened.frames);
 }
 
 void OffinePlayWidget::loadFrames(const QString& name, const QVector<lidar::LidarDataPoint_V4>& newFrames)

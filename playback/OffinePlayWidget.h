@@ -61,6 +61,8 @@ signals:
     void SendEndSaveDataSignal(QString fileName);
 
 public slots:
+    // Asks for a recording and loads it; a progress dialog shows while it is
+    // parsed. Returns once the frames are loaded, refused or cancelled.
     void openFile();
     void playPause();
     void previousFrame();

@@ -131,15 +131,15 @@
         <translation>导出 CSV</translation>
     </message>
     <message>
-        <location filename="../playback/OffinePlayWidget.cpp" line="+111"/>
-        <location line="+8"/>
+        <location filename="../playback/OffinePlayWidget.cpp" line="+114"/>
+        <location line="+10"/>
         <location line="+10"/>
         <location line="+136"/>
         <source>information</source>
         <translation>提示</translation>
     </message>
     <message>
-        <location line="-154"/>
+        <location line="-156"/>
         <source>Please disconnect first!</source>
         <translation>请先断开连接！</translation>
     </message>
@@ -149,7 +149,7 @@
         <translation>打开文件</translation>
     </message>
     <message>
-        <location line="+5"/>
+        <location line="+7"/>
         <location line="+10"/>
         <source>Unable to parse this file</source>
         <translation>无法解析该文件</translation>
@@ -176,9 +176,27 @@
     </message>
 </context>
 <context>
+    <name>RecordingOpener</name>
+    <message>
+        <location filename="../playback/RecordingOpener.cpp" line="+28"/>
+        <source>Loading offline data...</source>
+        <translation>正在加载离线数据...</translation>
+    </message>
+    <message>
+        <location line="+0"/>
+        <source>Cancel</source>
+        <translation>取消</translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>Open offline data</source>
+        <translation>打开离线数据</translation>
+    </message>
+</context>
+<context>
     <name>ScanDeck</name>
     <message>
-        <location filename="../app/ScanDeck.cpp" line="+233"/>
+        <location filename="../app/ScanDeck.cpp" line="+237"/>
         <source>motor speed:</source>
         <translation>电机转速：</translation>
     </message>
@@ -218,7 +236,7 @@
         <translation>确定要重启软件吗？</translation>
     </message>
     <message>
-        <location filename="../app/main.cpp" line="+36"/>
+        <location filename="../app/main.cpp" line="+37"/>
         <location filename="../app/ScanDeck.cpp" line="+22"/>
         <location filename="../app/ScanDeckLive.cpp" line="+155"/>
         <source>warning</source>
@@ -237,12 +255,12 @@
     <message>
         <location line="+7"/>
         <location line="+6"/>
-        <location line="+37"/>
+        <location line="+39"/>
         <source>question</source>
         <translation>询问</translation>
     </message>
     <message>
-        <location line="-42"/>
+        <location line="-44"/>
         <source>Data is being recorded. Do you want to save the data before exiting the program?</source>
         <translation>正在录制数据，退出程序前是否保存数据？</translation>
     </message>
@@ -252,7 +270,7 @@
         <translation>正在导出 CSV 数据，退出程序前是否保存数据？</translation>
     </message>
     <message>
-        <location line="+33"/>
+        <location line="+35"/>
         <location filename="../app/ScanDeckLive.cpp" line="-81"/>
         <location line="+13"/>
         <location line="+6"/>
