@@ -1,13 +1,18 @@
 #include "ScanDeck.h"
 
 #include "AboutDialog.h"
+#include "BoxSelectionDialog.h"
+#include "GridPolarDialog.h"
 #include "IniSettings.h"
 #include "LIdarFactory.h"
 #include "LidarAnalysis.h"
 #include "OffinePlayWidget.h"
 #include "OfflineDrop.h"
-#include "RecordingOpener.h"
+#include "OverlayPainter.h"
 #include "PointTableRow.h"
+#include "RangingMarks.h"
+#include "RecordingOpener.h"
+#include "StatusReadouts.h"
 #include "TableViewToolBar.h"
 #include "UserMessages.h"
 #include "ui_ScanDeck.h"
@@ -20,6 +25,7 @@
 #include <QDropEvent>
 #include <QFile>
 #include <QLabel>
+#include <QMouseEvent>
 #include <QProcess>
 #include <QProgressBar>
 #include <QPropertyAnimation>
@@ -40,6 +46,7 @@
 #include <vtkGenericOpenGLRenderWindow.h>
 #include <vtkOrientationMarkerWidget.h>
 #include <vtkRenderer.h>
+#include <vtkWorldPointPicker.h>
 
 namespace {
 
@@ -172,6 +179,9 @@ void ScanDeck::initViewer()
     m_cloud = std::make_shared<Cloud>();
     m_boxCloud = std::make_shared<Cloud>();
     m_clickCloud = std::make_shared<Cloud>();
+    m_overlays = std::make_unique<OverlayPainter>(*m_viewer);
+    m_ranging = std::make_unique<RangingMarks>(*m_viewer, m_clickCloud, m_boxCloud);
+    m_cursorPicker = vtkSmartPointer<vtkWorldPointPicker>::New();
 
     // "+" and "-" change the size of the next frame's points; the spin box
     // is deliberately left as it is.
@@ -184,9 +194,10 @@ void ScanDeck::initViewer()
             m_pointSize = std::max(m_pointSize - 1, 1);
     });
     m_viewer->registerAreaPickingCallback([this](const pcl::visualization::AreaPickingEvent& event) {
-        std::vector<int> indices;
-        event.getPointsIndices(indices);
-        areaPicked(indices);
+        // Only the frame cloud's points count; the box and click clouds
+        // overlap them and would add indices of their own.
+        const pcl::Indices indices = event.getPointsIndices("m_pointCloud");
+        areaPicked(std::vector<int>(indices.begin(), indices.end()));
     });
 }
 
@@ -227,19 +238,17 @@ void ScanDeck::initStatusBar()
     m_deltaDistanceLabel = makeLabel("label_delta_distance", 175);
     m_azimuthLabel = makeLabel("label_azimuth", 175);
     m_distanceLabel = makeLabel("label_distance", 175);
+    m_readouts = std::make_unique<StatusReadouts>(
+        StatusReadouts::Labels{m_motorSpeedLabel, m_deltaXLabel, m_deltaYLabel, m_deltaDistanceLabel, m_azimuthLabel,
+                               m_distanceLabel},
+        *m_viewer, ui->openGLWidget);
     resetReadouts();
 }
 
 void ScanDeck::resetReadouts()
 {
-    if (!m_motorSpeedLabel)
-        return;  // the start-up language switch comes before the status bar
-    m_motorSpeedLabel->setText(tr("motor speed:"));
-    m_deltaXLabel->setText(tr("Δx:"));
-    m_deltaYLabel->setText(tr("Δy:"));
-    m_deltaDistanceLabel->setText(tr("Δdistance:"));
-    m_azimuthLabel->setText(tr("azimuth:"));
-    m_distanceLabel->setText(tr("distance"));
+    if (m_readouts)  // the start-up language switch comes before the status bar
+        m_readouts->reset();
 }
 
 void ScanDeck::applyStyleSheet()
@@ -381,6 +390,9 @@ bool ScanDeck::eventFilter(QObject* watched, QEvent* event)
             playDroppedFile(offline::droppedFilePath(static_cast<QDropEvent*>(event)->mimeData()));
             return true;
         }
+        if (event->type() == QEvent::MouseMove || event->type() == QEvent::MouseButtonPress
+            || event->type() == QEvent::MouseButtonRelease)
+            handleViewMouse(static_cast<QMouseEvent*>(event));  // the view still turns the camera
     }
     return QMainWindow::eventFilter(watched, event);
 }

@@ -15,6 +15,7 @@
 
 #include <QFile>
 #include <QMainWindow>
+#include <QPoint>
 #include <QString>
 #include <cstdint>
 #include <future>
@@ -24,18 +25,25 @@
 #include <vtkSmartPointer.h>
 
 class AboutDialog;
+class BoxSelectionDialog;
+class GridPolarDialog;
 class LidarAnalysis;
+class OverlayPainter;
 class QAbstractButton;
 class QLabel;
+class QMouseEvent;
 class QProgressBar;
 class QStandardItemModel;
 class QTabBar;
 class QTranslator;
+class RangingMarks;
 class SelectConnectType;
+class StatusReadouts;
 class TableViewToolBar;
 class vtkGenericOpenGLRenderWindow;
 class vtkOrientationMarkerWidget;
 class vtkRenderer;
+class vtkWorldPointPicker;
 
 namespace pcl {
 struct PointXYZRGB;
@@ -49,11 +57,6 @@ class PCLVisualizer;
 namespace Ui {
 class ScanDeckClass;
 }
-
-namespace display {
-struct CloudExtent;
-struct CloudFillResult;
-}  // namespace display
 
 class ScanDeck : public QMainWindow,
                  public IConnectLiDAR,
@@ -113,6 +116,10 @@ public:
     // The view's rubber band picked these points of the displayed cloud:
     // their bounding box becomes the selection box, which is now in force.
     void areaPicked(const std::vector<int>& indices);
+    // A click found this point (index in the displayed cloud): marked alone,
+    // or as one end of a ranging pair while range finding is on.
+    void singlePick(int index, const pcl::PointXYZRGB& point);
+    void rangingStep(int index, const pcl::PointXYZRGB& point);
 
     // Blocks until the start-up wiring thread has made every connection.
     void waitUntilWired();
@@ -142,6 +149,12 @@ public:
     vtkRenderer* renderer() const;
     const lidar::LidarDataPoint_V4& lastFrame() const { return m_lastFrame; }
     const FrameTimings& lastFrameTimings() const { return m_timings; }
+    bool isRangingActive() const { return m_rangingActive != 0; }
+    const Cloud& clickCloud() const { return *m_clickCloud; }
+    const OverlayPainter& overlays() const { return *m_overlays; }
+    // The dialogs, once their buttons have made them (null before).
+    GridPolarDialog* gridPolarDialog() const { return m_gridPolarDialog; }
+    BoxSelectionDialog* boxSelectionDialog() const { return m_boxDialog; }
 
 signals:
     void SendMessageSignal(QString message);
@@ -207,8 +220,15 @@ private:
     void setMotorFrequencyFromText(const QString& text);
     void configureDevicePanel(const QString& group);
     void playDroppedFile(const QString& path);
-    // Extent and distance span of the drawn selection, for the status bar.
-    void showSelectionReadouts(const display::CloudExtent& extent, const display::CloudFillResult& filled);
+    // Mouse over the 3D view: readouts and the ranging preview on moves,
+    // picking on clicks.
+    void handleViewMouse(QMouseEvent* event);
+    void hoverAt(const QPoint& position);
+    void pickAt(const QPoint& position);
+    // Lists the picked point of the displayed cloud in the table.
+    void addPickedRow(int index);
+    // Range finding off and its marks gone from the view.
+    void resetMeasurement();
     void writeCsvFrame(const lidar::LidarDataPoint_V4& frame);
 
     Ui::ScanDeckClass* ui;
@@ -255,6 +275,19 @@ private:
     QLabel* m_deltaDistanceLabel = nullptr;
     QLabel* m_azimuthLabel = nullptr;
     QLabel* m_distanceLabel = nullptr;
+
+    // The measurement tools of the view.
+    std::unique_ptr<OverlayPainter> m_overlays;
+    std::unique_ptr<RangingMarks> m_ranging;
+    std::unique_ptr<StatusReadouts> m_readouts;
+    vtkSmartPointer<vtkWorldPointPicker> m_cursorPicker;
+    GridPolarDialog* m_gridPolarDialog = nullptr;
+    BoxSelectionDialog* m_boxDialog = nullptr;
+    QPoint m_pressPosition{-1, -1};  // where the left button went down in the view
+    // The angle range the displayed cloud was drawn with, to find a picked
+    // point's frame point again.
+    float m_drawnMinAngle = 0.0f;
+    float m_drawnMaxAngle = 360.0f;
 
     // While a frame updates both clouds, their renders are folded into one.
     int m_renderBatchDepth = 0;

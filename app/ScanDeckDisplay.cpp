@@ -6,6 +6,7 @@
 #include "FrameCloud.h"
 #include "FrameSelection.h"
 #include "PointTableRow.h"
+#include "StatusReadouts.h"
 #include "ui_ScanDeck.h"
 
 #include <QApplication>
@@ -42,9 +43,14 @@ void ScanDeck::showFrame(lidar::LidarDataPoint_V4 frame)
 
     // Both clouds change on every frame; the screen needs one render for both.
     ++m_renderBatchDepth;
+    m_drawnMinAngle = m_minAngle;
+    m_drawnMaxAngle = m_maxAngle;
     updateCloud(frame, m_cloud, m_pointSize, QString(), QString::fromStdString(kFrameCloudId), m_tableRows);
     updateCloud(boxFrame, m_boxCloud, m_pointSize + 2, QStringLiteral("white"),
                 QString::fromStdString(kBoxCloudId), -1);
+    if (!m_boxActive)
+        m_readouts->clearSelection();
+    m_readouts->showFrame(frame);
     --m_renderBatchDepth;
 
     if (m_csvActive) {
@@ -83,8 +89,9 @@ void ScanDeck::updateCloud(const lidar::LidarDataPoint_V4& frame, const CloudPtr
         m_tableModel->removeRows(0, m_tableModel->rowCount());
     const display::CloudFillResult filled = display::fillCloud(
         frame, *cloud, options, [this](int pointId, const lidar::LidarPoint& p) { addTableRow(pointId, p); });
-    if (m_boxActive && !frame.points.isEmpty())
-        showSelectionReadouts(display::cloudExtent(*cloud), filled);
+    // The box readouts describe the drawn selection, empty or not.
+    if (m_boxActive && cloud == m_boxCloud)
+        m_readouts->showSelection(*cloud, filled.minDistance, filled.maxDistance);
 
     QElapsedTimer clock;
     clock.start();

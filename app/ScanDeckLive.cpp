@@ -8,6 +8,7 @@
 #include "IniSettings.h"
 #include "LidarAnalysis.h"
 #include "OffinePlayWidget.h"
+#include "RangingMarks.h"
 #include "SelectConnectType.h"
 #include "UserMessages.h"
 #include "ui_ScanDeck.h"
@@ -122,10 +123,7 @@ void ScanDeck::playPause(bool play)
     // Paused, the session keeps decoding and recording but sends no frames.
     m_live.session()->SetConnected(play);
     // The ranging marks belong to the frame they were picked on.
-    m_viewer->removePointCloud("m_clickPointCloud");
-    for (const char* id : {"g_line", "g_text", "point0", "point1"})
-        m_viewer->removeShape(id);
-    m_viewer->removeText3D("g_text");
+    m_ranging->removeMarks();
 }
 
 void ScanDeck::recordData(bool record)

@@ -5,10 +5,18 @@
 
 #include "ScanDeck.h"
 
+#include "AreaPicking.h"
+#include "BoxSelectionDialog.h"
 #include "FrameCloud.h"
 #include "FrameSelection.h"
+#include "GridPolarDialog.h"
 #include "LidarAnalysis.h"
+#include "OverlayPainter.h"
+#include "RangingMarks.h"
+#include "StatusReadouts.h"
 #include "ui_ScanDeck.h"
+
+#include <QVTKOpenGLNativeWidget.h>
 
 #include <pcl/point_cloud.h>
 #include <pcl/point_types.h>
@@ -17,16 +25,33 @@
 void ScanDeck::showGrid(bool on)
 {
     IGridPolar::showGrid(on);
+    if (on)
+        ui->btn_grid->setChecked(true);
+    m_overlays->redrawGrid(*this, m_overlayCount);
+    renderView();
 }
 
 void ScanDeck::showPolar(bool on)
 {
     IGridPolar::showPolar(on);
+    if (on)
+        ui->btn_polar->setChecked(true);
+    m_overlays->redrawPolar(*this, m_overlayCount);
+    renderView();
 }
 
+// The edited box applies to the frame on screen at once, like a new frame.
 void ScanDeck::setBoxRange(const BoxCorner& min, const BoxCorner& max)
 {
     m_boxRange = {min, max};
+    if (ui->btn_ranging->isChecked()) {
+        ui->btn_ranging->setChecked(false);
+        ui->btn_ranging->click();
+    }
+    const lidar::LidarDataPoint_V4 selection =
+        display::roundAndSelect(m_lastFrame, m_boxActive ? &m_boxRange : nullptr);
+    updateCloud(selection, m_boxCloud, m_pointSize + 2, QStringLiteral("white"), QStringLiteral("m_boxPointCloud"),
+                -1);
 }
 
 BoxRange ScanDeck::getBoxRange() const
@@ -34,9 +59,12 @@ BoxRange ScanDeck::getBoxRange() const
     return m_boxRange;
 }
 
+// Each (re)start of ranging forgets the pair shown with the last frame; a
+// first point still waiting for its partner is kept (RangingMarks).
 void ScanDeck::setRangingMode(bool on)
 {
     m_rangingActive = on ? 1 : 0;
+    m_pickedPoints[0] = m_pickedPoints[1] = ScenePoint();
 }
 
 void ScanDeck::exportCsv(QAbstractButton* button, bool checked)
@@ -50,9 +78,15 @@ void ScanDeck::writeCsvFrame(const lidar::LidarDataPoint_V4& frame)
     Q_UNUSED(frame);
 }
 
+// "Point Cloud Box": while on, a left drag in the view selects an area
+// instead of turning the camera, and the cursor readouts rest.
 void ScanDeck::toggleBoxSelection(bool on)
 {
-    Q_UNUSED(on);
+    resetMeasurement();
+    if (ui->btn_ranging->isChecked())
+        ui->btn_ranging->setChecked(false);
+    measure::setAreaPicking(ui->openGLWidget->interactor(), on);
+    m_readouts->clearCursor();
 }
 
 // The view reports the points of the displayed cloud inside the dragged
@@ -83,15 +117,20 @@ void ScanDeck::areaPicked(const std::vector<int>& indices)
     ui->btn_resize_range->setEnabled(true);
 }
 
-void ScanDeck::showBoxRangeDialog() {}
-
-void ScanDeck::showSelectionReadouts(const display::CloudExtent& extent, const display::CloudFillResult& filled)
+// Made on first use and kept, so that it opens as it was left.
+void ScanDeck::showBoxRangeDialog()
 {
-    Q_UNUSED(extent);
-    Q_UNUSED(filled);
+    if (!m_boxDialog)
+        m_boxDialog = new BoxSelectionDialog(this, this);
+    m_boxDialog->exec();
 }
 
-void ScanDeck::showGridPolarDialog() {}
+void ScanDeck::showGridPolarDialog()
+{
+    if (!m_gridPolarDialog)
+        m_gridPolarDialog = new GridPolarDialog(this, this);
+    m_gridPolarDialog->exec();
+}
 
 void ScanDeck::toggleGpsTest() {}
 

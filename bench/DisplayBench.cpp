@@ -4,8 +4,11 @@
 // the viewer draws) and both with the render window's default multisampling.
 // Prints, per frame size: frames per second, ms per frame and, for ScanDeck,
 // the ms of its own work (rounding, box test, colouring, table rows, cloud
-// fill), of the viewer's remove-and-add and of the render. Run it under a
-// display, e.g.
+// fill, readouts), of the viewer's remove-and-add and of the render; the same
+// with the measurement tools all on (grid, polar rings, a box selection, a
+// ranging pair); and the cost of one mouse move over the view (the hover
+// readouts, then the ranging rubber band) with the number of renders it
+// caused. Run it under a display, e.g.
 //   xvfb-run -a -s "-screen 0 1600x900x24" ./scandeck-display-bench
 // Options: --seconds S (per measurement, default 2), --repeat R (default 3,
 // the median is printed), --hold S (keep the window open S seconds at the end).
@@ -16,6 +19,7 @@
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QMouseEvent>
 #include <QTextStream>
 #include <QVTKOpenGLNativeWidget.h>
 #include <algorithm>
@@ -29,6 +33,7 @@
 #include <pcl/visualization/pcl_visualizer.h>
 #include <vtkCamera.h>
 #include <vtkAxesActor.h>
+#include <vtkCallbackCommand.h>
 #include <vtkGenericOpenGLRenderWindow.h>
 #include <vtkOrientationMarkerWidget.h>
 #include <vtkObject.h>
@@ -201,6 +206,77 @@ QString loadAverage()
     return file.open(QIODevice::ReadOnly) ? QString::fromLatin1(file.readLine()).section(' ', 0, 2) : QString("?");
 }
 
+void click(ScanDeck& window, const char* name, bool wantChecked)
+{
+    auto* button = window.findChild<QAbstractButton*>(name);
+    if (button->isChecked() != wantChecked)
+        button->click();
+}
+
+// Grid and polar rings on, a box around one of the room's pillars, range
+// finding on with a pair measured across the pillar: all the tools an
+// operator can have on at once. Returns the number of points in the box.
+int measuringOn(ScanDeck& window, const lidar::LidarDataPoint_V4& frame)
+{
+    window.showFrame(frame);
+    click(window, "btn_grid", true);
+    click(window, "btn_polar", true);
+    const Cloud& cloud = window.frameCloud();
+    const double pillarX = 2.5 * std::sin(41.5 * M_PI / 180), pillarY = 2.5 * std::cos(41.5 * M_PI / 180);
+    std::vector<int> pillar;
+    for (size_t i = 0; i < cloud.size(); ++i)
+        if (std::hypot(cloud.points[i].x - pillarX, cloud.points[i].y - pillarY) < 0.5)
+            pillar.push_back(int(i));
+    window.areaPicked(pillar);
+    click(window, "btn_ranging", true);
+    const int a = pillar.front(), b = pillar.back();
+    window.rangingStep(a, cloud.points[size_t(a)]);
+    window.rangingStep(b, cloud.points[size_t(b)]);
+    return int(pillar.size());
+}
+
+void measuringOff(ScanDeck& window)
+{
+    window.findChild<QAbstractButton*>("btn_clear")->click();  // also ends the box
+    click(window, "btn_grid", false);
+    click(window, "btn_ranging", false);
+}
+
+struct HoverFigures {
+    double handleUs = 0;   // the window's filter and the view's interactor, per move
+    double repaintUs = 0;  // the status bar repainting what changed, per move
+    double rendersPerMove = 0;
+};
+
+// Mouse moves along a circle over the cloud, each sent to the view like a
+// real one and followed by one pass of the event loop.
+HoverFigures hover(ScanDeck& window, int moves)
+{
+    QWidget* view = window.findChild<QWidget*>("openGLWidget");
+    int renders = 0;
+    auto counter = vtkSmartPointer<vtkCallbackCommand>::New();
+    counter->SetClientData(&renders);
+    counter->SetCallback([](vtkObject*, unsigned long, void* data, void*) { ++*static_cast<int*>(data); });
+    vtkRenderWindow* renderWindow = window.renderer()->GetRenderWindow();
+    QApplication::processEvents();
+    const unsigned long observer = renderWindow->AddObserver(vtkCommand::StartEvent, counter);
+    double handleNs = 0, repaintNs = 0;
+    QElapsedTimer clock;
+    for (int i = 0; i < moves; ++i) {
+        const double a = 2 * M_PI * i / moves;
+        const QPoint at(int(view->width() * (0.5 + 0.3 * std::cos(a))), int(view->height() * (0.5 + 0.3 * std::sin(a))));
+        QMouseEvent move(QEvent::MouseMove, at, view->mapToGlobal(at), Qt::NoButton, Qt::NoButton, Qt::NoModifier);
+        clock.start();
+        QApplication::sendEvent(view, &move);
+        handleNs += clock.nsecsElapsed();
+        clock.start();
+        QApplication::processEvents();
+        repaintNs += clock.nsecsElapsed();
+    }
+    renderWindow->RemoveObserver(observer);
+    return {handleNs / moves / 1e3, repaintNs / moves / 1e3, double(renders) / moves};
+}
+
 double argument(const QStringList& args, const QString& name, double fallback)
 {
     const int i = args.indexOf(name);
@@ -259,11 +335,14 @@ int main(int argc, char* argv[])
         // does not fall on one of them only; each figure is the median.
         auto* table = window.findChild<QAbstractButton*>("btn_table");
         QSize openViewSize;
-        auto scanDeckRun = [&](bool tableOpen, bool renderTwice = false, int samples = -1) {
+        int boxPoints = 0;
+        auto scanDeckRun = [&](bool tableOpen, bool renderTwice = false, int samples = -1, bool measuring = false) {
             scanDeckRenderWindow->SetMultiSamples(samples >= 0 ? samples : ownSamples);
             window.show();
             if (table->isChecked() != tableOpen)
                 table->click();
+            if (measuring)
+                boxPoints = measuringOn(window, frames[0]);
             const Figures f = measure(seconds, [&](int i) {
                 window.showFrame(frames[i % frames.size()]);
                 Figures t = timingsOf(window);
@@ -280,6 +359,8 @@ int main(int argc, char* argv[])
                 openViewSize = view->size();
                 table->click();
             }
+            if (measuring)
+                measuringOff(window);
             scanDeckRenderWindow->SetMultiSamples(ownSamples);
             window.hide();
             return f;
@@ -316,6 +397,7 @@ int main(int argc, char* argv[])
             {"bare 1600x900, remove + add", false, [&] { return bareRun(bareFull, true); }, {}},
             {"bare " + viewName + " in 1600x900, rm+add", false, [&] { return bareRun(bareView, true); }, {}},
             {"  the same + orientation marker", false, [&] { return bareRun(bareViewMarker, false); }, {}},
+            {"ScanDeck, grid+polar+box+ranging on", true, [&] { return scanDeckRun(false, false, -1, true); }, {}},
         };
         for (int r = 0; r < repeat; ++r)
             for (Variant& v : variants)
@@ -326,13 +408,42 @@ int main(int argc, char* argv[])
             printRow(out, points, v.name, result.back(), v.own);
         }
         out << QString("        ScanDeck / bare %1 in 1600x900: %2 % with %3, %4 % with %5;"
-                       " own work %6 ms (goals: >= 90 %, < 2 ms at 5000)\n\n")
+                       " own work %6 ms (goals: >= 90 %, < 2 ms at 5000)\n")
                    .arg(viewName)
                    .arg(100.0 * result[0].fps / result[1].fps, 0, 'f', 1)
                    .arg(own)
                    .arg(100.0 * result[2].fps / result[3].fps, 0, 'f', 1)
                    .arg(vtk)
                    .arg(result[0].ownMs, 0, 'f', 3);
+        const auto tools = std::find_if(variants.begin(), variants.end(),
+                                        [](const Variant& v) { return v.name.contains("ranging on"); });
+        const Figures& measuring = result[size_t(tools - variants.begin())];
+        out << QString("        measuring tools on (box of %1 points) / off: %2 % of the frame rate, own work %3 ms"
+                       " (goals: >= 90 %, < 2 ms at 5000)\n")
+                   .arg(boxPoints)
+                   .arg(100.0 * measuring.fps / result[0].fps, 0, 'f', 1)
+                   .arg(measuring.ownMs, 0, 'f', 3);
+
+        // One mouse move over the view: readouts only (nothing to redraw),
+        // then with the ranging rubber band following the cursor.
+        window.show();
+        window.showFrame(frames[0]);
+        const HoverFigures readouts = hover(window, 400);
+        click(window, "btn_ranging", true);
+        const Cloud& cloud = window.frameCloud();
+        window.rangingStep(0, cloud.points[0]);
+        const HoverFigures rubberBand = hover(window, 100);
+        window.rangingStep(1, cloud.points[1]);
+        click(window, "btn_ranging", false);
+        window.hide();
+        for (const auto& row : {std::make_pair(QString("readouts"), readouts), std::make_pair(QString("ranging rubber band"), rubberBand)})
+            out << QString("        mouse move, %1: %2 us in the window and the view, %3 us repainting,"
+                           " %4 renders per move\n")
+                       .arg(row.first, -20)
+                       .arg(row.second.handleUs, 0, 'f', 1)
+                       .arg(row.second.repaintUs, 0, 'f', 1)
+                       .arg(row.second.rendersPerMove, 0, 'f', 2);
+        out << "        (goal: readouts < 1000 us per move at 20000 points, no render)\n\n";
         out.flush();
     }
 

@@ -28,6 +28,15 @@
     </message>
 </context>
 <context>
+    <name>BoxSelectionDialog</name>
+    <message>
+        <location filename="../measure/BoxSelectionDialog.cpp" line="+10"/>
+        <location line="+13"/>
+        <source>Box Selection Settings</source>
+        <translation>框选设置</translation>
+    </message>
+</context>
+<context>
     <name>DemoLidar</name>
     <message>
         <location filename="../app/DemoLidar.cpp" line="+52"/>
@@ -43,6 +52,50 @@
         <location line="+11"/>
         <source>No frame arrived from the simulated lidar</source>
         <translation>未收到模拟雷达的数据帧</translation>
+    </message>
+</context>
+<context>
+    <name>GridPolarDialog</name>
+    <message>
+        <location filename="../measure/GridPolarDialog.ui" line="+14"/>
+        <source>GridPolarDialog</source>
+        <translation>网格与极坐标设置</translation>
+    </message>
+    <message>
+        <location line="+12"/>
+        <source>R:</source>
+        <translation>红:</translation>
+    </message>
+    <message>
+        <location line="+45"/>
+        <source>G:</source>
+        <translation>绿:</translation>
+    </message>
+    <message>
+        <location line="+45"/>
+        <source>B:</source>
+        <translation>蓝:</translation>
+    </message>
+    <message>
+        <location line="+45"/>
+        <source>Grid Step(CM):</source>
+        <translation>网格间距(CM)：</translation>
+    </message>
+    <message>
+        <location line="+45"/>
+        <source>Polar Setp(CM):</source>
+        <translation>极坐标间距(CM)：</translation>
+    </message>
+    <message>
+        <location line="+45"/>
+        <source>Grid and Polar Setp(CM):</source>
+        <translation>网格与极坐标间距(CM)：</translation>
+    </message>
+    <message>
+        <location filename="../measure/GridPolarDialog.cpp" line="+26"/>
+        <location line="+33"/>
+        <source>setting</source>
+        <translation>设置</translation>
     </message>
 </context>
 <context>
@@ -176,6 +229,107 @@
     </message>
 </context>
 <context>
+    <name>RangeSelectDialog</name>
+    <message>
+        <location filename="../measure/RangeSelectDialog.ui" line="+14"/>
+        <source>Resize Range</source>
+        <translation>调整范围</translation>
+    </message>
+    <message>
+        <location line="+11"/>
+        <source> X Axis Range：</source>
+        <translation> X轴范围：</translation>
+    </message>
+    <message>
+        <location line="+58"/>
+        <source> Y Axis Range：</source>
+        <translation> Y轴范围：</translation>
+    </message>
+    <message>
+        <location line="+58"/>
+        <source> Z Axis Range：</source>
+        <translation> Z轴范围：</translation>
+    </message>
+    <message>
+        <location line="+69"/>
+        <source>Ok</source>
+        <translation>确定</translation>
+    </message>
+    <message>
+        <location line="+10"/>
+        <source>Cancel</source>
+        <translation>取消</translation>
+    </message>
+</context>
+<context>
+    <name>ReadoutTexts</name>
+    <message>
+        <location filename="../measure/ReadoutTexts.cpp" line="+25"/>
+        <source>Azimuth:%1</source>
+        <translation>方位角：%1</translation>
+    </message>
+    <message>
+        <location line="+5"/>
+        <source>Distance:%1</source>
+        <translation>距离：%1</translation>
+    </message>
+    <message>
+        <location line="+5"/>
+        <source>Azimuth:</source>
+        <translation>方位角：</translation>
+    </message>
+    <message>
+        <location line="+5"/>
+        <source>Distance:</source>
+        <translation>距离：</translation>
+    </message>
+    <message>
+        <location line="+6"/>
+        <source>motor speed:</source>
+        <translation>电机转速：</translation>
+    </message>
+    <message>
+        <location line="+3"/>
+        <source>motor speed: %1 hz,%2 r/s</source>
+        <translation>电机转速：%1 hz,%2 r/s</translation>
+    </message>
+    <message>
+        <location line="+5"/>
+        <source>Δx:%1 CM</source>
+        <translation>Δx：%1 CM</translation>
+    </message>
+    <message>
+        <location line="+5"/>
+        <source>Δy:%1 CM</source>
+        <translation>Δy：%1 CM</translation>
+    </message>
+    <message>
+        <location line="+5"/>
+        <source>Δdistance:%1 CM</source>
+        <translation>Δ距离：%1 CM</translation>
+    </message>
+    <message>
+        <location line="+5"/>
+        <source>Δx:</source>
+        <translation>Δx：</translation>
+    </message>
+    <message>
+        <location line="+5"/>
+        <source>Δy:</source>
+        <translation>Δy：</translation>
+    </message>
+    <message>
+        <location line="+5"/>
+        <source>Δdistance:</source>
+        <translation>Δ距离：</translation>
+    </message>
+    <message>
+        <location line="+5"/>
+        <source>Ambient:%1</source>
+        <translation>环境光：%1</translation>
+    </message>
+</context>
+<context>
     <name>RecordingOpener</name>
     <message>
         <location filename="../playback/RecordingOpener.cpp" line="+28"/>
@@ -196,37 +350,7 @@
 <context>
     <name>ScanDeck</name>
     <message>
-        <location filename="../app/ScanDeck.cpp" line="+237"/>
-        <source>motor speed:</source>
-        <translation>电机转速：</translation>
-    </message>
-    <message>
-        <location line="+1"/>
-        <source>Δx:</source>
-        <translation>Δx：</translation>
-    </message>
-    <message>
-        <location line="+1"/>
-        <source>Δy:</source>
-        <translation>Δy：</translation>
-    </message>
-    <message>
-        <location line="+1"/>
-        <source>Δdistance:</source>
-        <translation>Δ距离：</translation>
-    </message>
-    <message>
-        <location line="+1"/>
-        <source>azimuth:</source>
-        <translation>方位角：</translation>
-    </message>
-    <message>
-        <location line="+1"/>
-        <source>distance</source>
-        <translation>距离</translation>
-    </message>
-    <message>
-        <location line="+72"/>
+        <location filename="../app/ScanDeck.cpp" line="+323"/>
         <source>restart</source>
         <translation>重启</translation>
     </message>
@@ -238,7 +362,7 @@
     <message>
         <location filename="../app/main.cpp" line="+37"/>
         <location filename="../app/ScanDeck.cpp" line="+22"/>
-        <location filename="../app/ScanDeckLive.cpp" line="+155"/>
+        <location filename="../app/ScanDeckLive.cpp" line="+153"/>
         <source>warning</source>
         <translation>警告</translation>
     </message>
@@ -255,12 +379,12 @@
     <message>
         <location line="+7"/>
         <location line="+6"/>
-        <location line="+39"/>
+        <location line="+42"/>
         <source>question</source>
         <translation>询问</translation>
     </message>
     <message>
-        <location line="-44"/>
+        <location line="-47"/>
         <source>Data is being recorded. Do you want to save the data before exiting the program?</source>
         <translation>正在录制数据，退出程序前是否保存数据？</translation>
     </message>
@@ -270,8 +394,8 @@
         <translation>正在导出 CSV 数据，退出程序前是否保存数据？</translation>
     </message>
     <message>
-        <location line="+35"/>
-        <location filename="../app/ScanDeckLive.cpp" line="-81"/>
+        <location line="+38"/>
+        <location filename="../app/ScanDeckLive.cpp" line="-78"/>
         <location line="+13"/>
         <location line="+6"/>
         <source>information</source>
@@ -300,12 +424,12 @@
     </message>
     <message>
         <location line="+23"/>
-        <location line="+25"/>
+        <location line="+22"/>
         <source>Please connect the radar first</source>
         <translation>请先连接雷达</translation>
     </message>
     <message>
-        <location line="-21"/>
+        <location line="-18"/>
         <source>pause</source>
         <translation>暂停</translation>
     </message>
@@ -315,7 +439,7 @@
         <translation>播放</translation>
     </message>
     <message>
-        <location line="+17"/>
+        <location line="+14"/>
         <source>Recorded data</source>
         <translation>已录制数据</translation>
     </message>
@@ -333,6 +457,11 @@
         <location line="+5"/>
         <source>settting a save path</source>
         <translation>设置保存路径</translation>
+    </message>
+    <message>
+        <location filename="../app/ScanDeckMeasure.cpp" line="+102"/>
+        <source>Distance between two points:</source>
+        <translation>两点间距离：</translation>
     </message>
 </context>
 <context>

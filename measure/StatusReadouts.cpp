@@ -1,0 +1,108 @@
+#include "StatusReadouts.h"
+
+#include "ReadoutTexts.h"
+
+#include <QLabel>
+#include <QWidget>
+
+#include <pcl/point_cloud.h>
+#include <pcl/point_types.h>
+#include <pcl/visualization/pcl_visualizer.h>
+
+#include <cmath>
+#include <limits>
+
+namespace {
+
+// The frame's texts sit 250 pixels below the top of the view, the ambient
+// value left of the date-time.
+constexpr int kViewTextDrop = 250;
+constexpr int kAmbientX = 10;
+constexpr int kDateTimeX = 170;
+constexpr int kViewTextSize = 14;
+
+void setText(QLabel* label, const QString& text)
+{
+    if (label->text() != text)
+        label->setText(text);
+}
+
+}  // namespace
+
+StatusReadouts::StatusReadouts(const Labels& labels, pcl::visualization::PCLVisualizer& viewer, QWidget* view)
+    : m_labels(labels), m_viewer(viewer), m_view(view)
+{
+}
+
+void StatusReadouts::reset()
+{
+    setText(m_labels.motorSpeed, ReadoutTexts::motorSpeed(-1));
+    clearSelection();
+    clearCursor();
+}
+
+void StatusReadouts::showCursor(const double world[3])
+{
+    const double x = world[0], y = world[1], z = world[2];
+    setText(m_labels.azimuth, ReadoutTexts::azimuth(ReadoutTexts::cursorAzimuth(x, y)));
+    setText(m_labels.distance, ReadoutTexts::distance(std::sqrt(x * x + y * y + z * z)));
+}
+
+void StatusReadouts::clearCursor()
+{
+    setText(m_labels.azimuth, ReadoutTexts::noAzimuth());
+    setText(m_labels.distance, ReadoutTexts::noDistance());
+}
+
+void StatusReadouts::showFrame(const lidar::LidarDataPoint_V4& frame)
+{
+    setText(m_labels.motorSpeed, ReadoutTexts::motorSpeed(frame.motorSpeed));
+    showViewText(frame.ambient == -1 ? QString() : ReadoutTexts::ambient(frame.ambient), kAmbientX, "Ambient");
+    showViewText(frame.dateTime, kDateTimeX, "DateTime");
+}
+
+void StatusReadouts::showSelection(const pcl::PointCloud<pcl::PointXYZRGB>& selection, int32_t minDistance,
+                                   int32_t maxDistance)
+{
+    float min[2] = {std::numeric_limits<float>::max(), std::numeric_limits<float>::max()};
+    float max[2] = {std::numeric_limits<float>::lowest(), std::numeric_limits<float>::lowest()};
+    for (const pcl::PointXYZRGB& p : selection.points) {
+        if (!selection.is_dense && !(std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z)))
+            continue;
+        min[0] = std::min(min[0], p.x);
+        max[0] = std::max(max[0], p.x);
+        min[1] = std::min(min[1], p.y);
+        max[1] = std::max(max[1], p.y);
+    }
+    if (min[0] > max[0]) {
+        clearSelection();
+        return;
+    }
+    setText(m_labels.deltaX, ReadoutTexts::deltaX(max[0] - min[0]));
+    setText(m_labels.deltaY, ReadoutTexts::deltaY(max[1] - min[1]));
+    setText(m_labels.deltaDistance, ReadoutTexts::deltaDistance(double(maxDistance) - double(minDistance)));
+}
+
+void StatusReadouts::clearSelection()
+{
+    setText(m_labels.deltaX, ReadoutTexts::noDeltaX());
+    setText(m_labels.deltaY, ReadoutTexts::noDeltaY());
+    setText(m_labels.deltaDistance, ReadoutTexts::noDeltaDistance());
+}
+
+void StatusReadouts::showViewText(const QString& text, int x, const std::string& id)
+{
+    if (text.isEmpty()) {
+        if (m_viewer.contains(id))
+            m_viewer.removeShape(id);
+        return;
+    }
+    const int y = int(std::round(m_view->height() * m_view->devicePixelRatioF())) - kViewTextDrop;
+    const QString shown = text + QLatin1Char('@') + QString::number(y);
+    QString& last = m_viewTexts[id];
+    if (last == shown && m_viewer.contains(id))
+        return;
+    last = shown;
+    if (!m_viewer.updateText(text.toStdString(), x, y, kViewTextSize, 1.0, 1.0, 1.0, id))
+        m_viewer.addText(text.toStdString(), x, y, kViewTextSize, 1.0, 1.0, 1.0, id);
+}

@@ -1,0 +1,64 @@
+#pragma once
+// The six readouts of the main window's status bar (motor speed, the box's
+// Δx, Δy and Δdistance, azimuth and distance under the cursor) and the
+// frame's ambient value and date-time drawn as text in the 3D view. A label
+// is only touched when its text changes, so that a mouse move that changes
+// nothing costs nothing.
+
+#include "LidarRecords.h"
+
+#include <QString>
+#include <cstdint>
+#include <map>
+#include <string>
+
+class QLabel;
+class QWidget;
+
+namespace pcl {
+struct PointXYZRGB;
+template <typename PointT>
+class PointCloud;
+namespace visualization {
+class PCLVisualizer;
+}
+}  // namespace pcl
+
+class StatusReadouts {
+public:
+    struct Labels {
+        QLabel* motorSpeed = nullptr;
+        QLabel* deltaX = nullptr;
+        QLabel* deltaY = nullptr;
+        QLabel* deltaDistance = nullptr;
+        QLabel* azimuth = nullptr;
+        QLabel* distance = nullptr;
+    };
+
+    StatusReadouts(const Labels& labels, pcl::visualization::PCLVisualizer& viewer, QWidget* view);
+
+    // Every label to its text for "no value" (also after a language switch).
+    void reset();
+
+    // Azimuth and distance of a world point under the cursor, or none.
+    void showCursor(const double world[3]);
+    void clearCursor();
+
+    // Motor speed, ambient value and date-time of the frame just shown.
+    void showFrame(const lidar::LidarDataPoint_V4& frame);
+
+    // The extent of the drawn selection and the span of its distances (mm);
+    // an empty selection has no extent.
+    void showSelection(const pcl::PointCloud<pcl::PointXYZRGB>& selection, int32_t minDistance,
+                       int32_t maxDistance);
+    void clearSelection();
+
+private:
+    // Draws or replaces a text of the view; an empty text removes it.
+    void showViewText(const QString& text, int x, const std::string& id);
+
+    Labels m_labels;
+    pcl::visualization::PCLVisualizer& m_viewer;
+    QWidget* m_view;
+    std::map<std::string, QString> m_viewTexts;
+};

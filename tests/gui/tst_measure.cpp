@@ -1,0 +1,532 @@
+// The measurement tools in the main window: grid and polar overlays with
+// their dialog, clicks that pick points and measure between them (at the
+// screen positions where the points are drawn), box selection by drag and
+// by numbers, and the status readouts.
+
+#include "BoxSelectionDialog.h"
+#include "GridPolarDialog.h"
+#include "OverlayPainter.h"
+#include "ReadoutTexts.h"
+#include "tst_scandeck_support.h"
+
+#include <QDoubleSpinBox>
+#include <QLabel>
+#include <QSlider>
+#include <QSpinBox>
+#include <QStandardItemModel>
+#include <QStatusBar>
+#include <QTimer>
+
+#include <vtkAbstractPicker.h>
+#include <vtkActor.h>
+#include <vtkActorCollection.h>
+#include <vtkFollower.h>
+#include <vtkPolyDataMapper.h>
+#include <vtkProperty.h>
+#include <vtkRenderWindow.h>
+#include <vtkRenderWindowInteractor.h>
+#include <vtkRenderer.h>
+#include <vtkTextActor.h>
+#include <vtkVectorText.h>
+
+#include <QVTKOpenGLNativeWidget.h>
+
+using namespace testing;
+
+namespace {
+
+QWidget* view(ScanDeck* w)
+{
+    return control(w, "openGLWidget");
+}
+
+// Where VTK itself draws a world point, in the view's widget coordinates.
+QPoint drawnAt(ScanDeck* w, double x, double y, double z = 0.0)
+{
+    vtkRenderer* renderer = w->renderer();
+    renderer->SetWorldPoint(x, y, z, 1.0);
+    renderer->WorldToDisplay();
+    double display[3];
+    renderer->GetDisplayPoint(display);
+    const double ratio = view(w)->devicePixelRatioF();
+    const int height = renderer->GetRenderWindow()->GetSize()[1];
+    return QPoint(qRound(display[0] / ratio), qRound((height - 1 - display[1]) / ratio));
+}
+
+void mouse(ScanDeck* w, QEvent::Type type, const QPoint& at, Qt::MouseButtons buttons = Qt::NoButton)
+{
+    const Qt::MouseButton button = type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton;
+    QMouseEvent event(type, at, view(w)->mapToGlobal(at), button, buttons, Qt::NoModifier);
+    QApplication::sendEvent(view(w), &event);
+}
+
+void clickAt(ScanDeck* w, const QPoint& at)
+{
+    mouse(w, QEvent::MouseButtonPress, at, Qt::LeftButton);
+    mouse(w, QEvent::MouseButtonRelease, at);
+}
+
+vtkProp* shape(ScanDeck* w, const QString& id)
+{
+    auto shapes = w->viewer().getShapeActorMap();
+    auto found = shapes->find(id.toStdString());
+    return found == shapes->end() ? nullptr : found->second.GetPointer();
+}
+
+// The text of a 3D label, or a null string when there is none.
+QString label3D(ScanDeck* w, const QString& id)
+{
+    auto* follower = vtkFollower::SafeDownCast(shape(w, id));
+    if (!follower)
+        return QString();
+    return QString::fromUtf8(vtkVectorText::SafeDownCast(follower->GetMapper()->GetInputAlgorithm())->GetText());
+}
+
+QString text2D(ScanDeck* w, const QString& id)
+{
+    auto* text = vtkTextActor::SafeDownCast(shape(w, id));
+    return text ? QString::fromUtf8(text->GetInput()) : QString();
+}
+
+QString labelText(ScanDeck* w, const char* name)
+{
+    return control<QLabel>(w, name)->text();
+}
+
+// Runs `act` on the modal dialog that `open` shows, then closes it if `act`
+// did not: nothing waits for a person.
+template <typename Dialog>
+Dialog* onModal(const std::function<void()>& open, const std::function<void(Dialog*)>& act)
+{
+    Dialog* seen = nullptr;
+    QTimer::singleShot(0, [&] {
+        seen = qobject_cast<Dialog*>(QApplication::activeModalWidget());
+        if (seen)
+            act(seen);
+        if (auto* modal = qobject_cast<QDialog*>(QApplication::activeModalWidget()))
+            modal->reject();
+    });
+    open();
+    return seen;
+}
+
+// Four points 1 m apart on the axes and one at (1, 1), 10 cm apart from
+// its neighbour; ambient value and date-time as a GPS model gives them.
+Frame crossFrame()
+{
+    Frame frame = makeFrame({{0, 1.0f, 0.0f, 90, 10}, {0, 0.0f, 1.0f, 0, 10}, {1, -1.0f, 0.0f, 270, 10},
+                             {1, 0.0f, -1.0f, 180, 10}, {1, 1.0f, 1.0f, 45, 10}, {1, 1.1f, 1.0f, 48, 10}});
+    frame.motorSpeed = 600;
+    return frame;
+}
+
+}  // namespace
+
+class MeasureTest : public QObject {
+    Q_OBJECT
+private slots:
+    void initTestCase() { m_dir = std::make_unique<ScratchWorkingDir>(QStringLiteral("English")); }
+    void cleanupTestCase() { m_dir.reset(); }
+
+    void overlays_data();
+    void overlays();
+    void overlayDialog();
+    void picking();
+    void rangingPairs_data();
+    void rangingPairs();
+    void boxByDragAndByNumbers();
+    void cursorAzimuth_data();
+    void cursorAzimuth();
+    void frameReadouts_data();
+    void frameReadouts();
+    void hoverReadouts();
+    void everyControlHasAnEffect_data();
+    void everyControlHasAnEffect();
+
+private:
+    std::unique_ptr<ScratchWorkingDir> m_dir;
+};
+
+void MeasureTest::overlays_data()
+{
+    QTest::addColumn<int>("step");
+    QTest::addColumn<QString>("outerLine");
+    QTest::addColumn<QStringList>("gridLabels");  // first two and last
+    QTest::addColumn<QString>("outerPolarLabel");
+    QTest::newRow("default 100 cm") << 100 << "GridLineY-20.000000" << QStringList{"100CM", "-100CM", "-1900CM"}
+                                    << "-2000CM";
+    QTest::newRow("1 cm") << 1 << "GridLineY-0.200000" << QStringList{"1CM", "-1CM", "-19CM"} << "-20CM";
+    QTest::newRow("dialog's largest, 200 cm") << 200 << "GridLineY-40.000000"
+                                              << QStringList{"200CM", "-200CM", "-3800CM"} << "-4000CM";
+}
+
+// 41 lines each way, labels one step short of the edge on the y axis; 21
+// rings (the first of radius 0) labelled out to the edge on the x axis.
+void MeasureTest::overlays()
+{
+    QFETCH(int, step);
+    QFETCH(QString, outerLine);
+    QFETCH(QStringList, gridLabels);
+    QFETCH(QString, outerPolarLabel);
+    auto window = openWindow();
+    ScanDeck* w = window.get();
+    w->gridStep = w->polarStep = step;
+    click(w, "btn_grid");
+    click(w, "btn_polar");
+
+    QCOMPARE(w->gridLineIds.size(), 82);
+    QCOMPARE(w->gridLineIds.first(), outerLine);
+    QCOMPARE(w->gridLineIds.mid(40, 2), (QStringList{"GridLineY0.000000", "GridLineX0.000000"}));
+    QCOMPARE(w->gridLabelIds.size(), 38);
+    QCOMPARE(w->gridLabelIds.first(), "right_grid" + QString::number(step));
+    QStringList texts;
+    for (const QString& id : w->gridLabelIds)
+        texts << label3D(w, id);
+    QCOMPARE((QStringList{texts[0], texts[1], texts.last()}), gridLabels);
+    auto* first = vtkFollower::SafeDownCast(shape(w, w->gridLabelIds.first()));
+    QCOMPARE(first->GetScale()[0], step * 0.001);
+    QCOMPARE(float(first->GetPosition()[1]), float(step * 0.01));
+
+    QCOMPARE(int(w->overlays().polarRings().size()), 21);
+    QCOMPARE(w->polarLabelIds.size(), 40);
+    QCOMPARE(label3D(w, w->polarLabelIds.last()), outerPolarLabel);
+    QCOMPARE(float(vtkFollower::SafeDownCast(shape(w, w->polarLabelIds.first()))->GetPosition()[0]), float(step * 0.01));
+    for (const QString& id : w->gridLineIds + w->gridLabelIds + w->polarLabelIds)
+        QVERIFY2(shape(w, id), qPrintable(id));
+
+    // Off removes every id and ring; on again brings back the same ids.
+    const QStringList before = w->gridLineIds + w->gridLabelIds + w->polarLabelIds;
+    vtkSmartPointer<vtkActor> ring = w->overlays().polarRings().back();
+    click(w, "btn_grid");
+    click(w, "btn_polar");
+    QVERIFY(w->gridLineIds.isEmpty() && w->gridLabelIds.isEmpty() && w->polarLabelIds.isEmpty());
+    for (const QString& id : before)
+        QVERIFY2(!shape(w, id), qPrintable(id));
+    QVERIFY(!w->renderer()->GetActors()->IsItemPresent(ring));
+    click(w, "btn_grid");
+    click(w, "btn_polar");
+    QCOMPARE(w->gridLineIds + w->gridLabelIds + w->polarLabelIds, before);
+}
+
+void MeasureTest::overlayDialog()
+{
+    auto window = openWindow();
+    ScanDeck* w = window.get();
+    // Off, a new colour and step draw nothing and wait for the next switch-on.
+    auto* dialog = onModal<GridPolarDialog>([&] { click(w, "btn_set_grid_polar"); }, [](GridPolarDialog* d) {
+        d->findChild<QSpinBox*>("spinBox_r")->setValue(255);
+        d->findChild<QSlider*>("horizontalSlider_b")->setValue(0);
+        d->findChild<QSpinBox*>("spinBox_all")->setValue(50);
+    });
+    QVERIFY(dialog && dialog == w->gridPolarDialog());
+    QVERIFY(w->gridLineIds.isEmpty() && w->overlays().polarRings().empty());
+    QCOMPARE(w->overlayColour, QColor(255, 204, 0));
+    QCOMPARE(w->gridStep, 50);
+    QCOMPARE(w->polarStep, 50);
+    click(w, "btn_grid");
+    QCOMPARE(w->gridLineIds.first(), QStringLiteral("GridLineY-10.000000"));
+
+    // On, every change redraws at once: everything takes the new colour.
+    click(w, "btn_polar");
+    QCOMPARE(onModal<GridPolarDialog>([&] { click(w, "btn_set_grid_polar"); },
+                                      [](GridPolarDialog* d) {
+                                          QCOMPARE(d->findChild<QSlider*>("horizontalSlider_r")->value(), 255);
+                                          d->findChild<QSlider*>("horizontalSlider_g")->setValue(0);
+                                      }),
+             dialog);
+    QList<vtkProp3D*> drawn;
+    for (const QString& id : w->gridLineIds + w->gridLabelIds + w->polarLabelIds)
+        drawn << vtkProp3D::SafeDownCast(shape(w, id));
+    for (const auto& ring : w->overlays().polarRings())
+        drawn << ring.GetPointer();
+    QCOMPARE(drawn.size(), 82 + 38 + 21 + 40);
+    for (vtkProp3D* prop : drawn) {
+        const double* colour = vtkActor::SafeDownCast(prop)->GetProperty()->GetColor();
+        QCOMPARE((QList<double>{colour[0], colour[1], colour[2]}), (QList<double>{1.0, 0.0, 0.0}));
+    }
+}
+
+// Single picks, a ranging pair, a single pick after it, a click on empty
+// space and the reset by the box toggle, clicked where the points are drawn.
+void MeasureTest::picking()
+{
+    auto window = openWindow();
+    ScanDeck* w = window.get();
+    w->showFrame(crossFrame());
+    QStandardItemModel* table = w->tableModel();
+
+    clickAt(w, drawnAt(w, 1.0, 1.0));  // (1.1, 1) is 10 cm away: the nearer one wins
+    QCOMPARE(int(w->clickCloud().size()), 1);
+    QCOMPARE(w->clickCloud().points[0].x, 1.0f);
+    QCOMPARE((QList<int>{w->clickCloud().points[0].r, w->clickCloud().points[0].g}), (QList<int>{255, 0}));
+    QVERIFY(w->viewer().contains("m_clickPointCloud"));
+    QCOMPARE(table->rowCount(), 1);
+    QCOMPARE(table->item(0, 0)->text(), QStringLiteral("4"));  // its index in the drawn cloud
+    QCOMPARE(table->item(0, 2)->text(), QStringLiteral("45.00"));
+
+    // Empty space, 0.5 m from any point: nothing changes.
+    clickAt(w, drawnAt(w, -0.5, 0.5));
+    QCOMPARE(w->clickCloud().points[0].x, 1.0f);
+    QCOMPARE(table->rowCount(), 1);
+
+    click(w, "btn_ranging");
+    QVERIFY(w->isRangingActive());
+    clickAt(w, drawnAt(w, -1.0, 0.0));
+    mouse(w, QEvent::MouseMove, drawnAt(w, 0.0, 0.0));  // the rubber band follows the cursor
+    QVERIFY(shape(w, "m_ranging_line"));
+    QVERIFY(label3D(w, "m_ranging_text").endsWith('M'));
+    clickAt(w, drawnAt(w, 1.0, 0.0));
+    QCOMPARE(label3D(w, "m_ranging_text"), QStringLiteral("2.00M"));
+    QCOMPARE(w->statusBar()->currentMessage(), QStringLiteral("Distance between two points:2.00"));
+    QCOMPARE(table->rowCount(), 2);
+    QCOMPARE(table->item(1, 2)->text(), QStringLiteral("90.00"));
+    // A new frame keeps ranging on and the fixed line in place.
+    w->showFrame(crossFrame());
+    QVERIFY(w->isRangingActive() && shape(w, "m_ranging_line"));
+
+    // A single pick after the pair wipes the line and the label.
+    click(w, "btn_ranging");
+    clickAt(w, drawnAt(w, 0.0, -1.0));
+    QVERIFY(!shape(w, "m_ranging_line") && label3D(w, "m_ranging_text").isNull());
+    QCOMPARE(table->item(0, 2)->text(), QStringLiteral("180.00"));
+
+    // The box toggle resets: ranging off, every mark gone.
+    click(w, "btn_ranging");
+    clickAt(w, drawnAt(w, 0.0, 1.0));
+    click(w, "btn_point_cloud_select");
+    QVERIFY(!w->isRangingActive() && !control<QAbstractButton>(w, "btn_ranging")->isChecked());
+    QVERIFY(!w->viewer().contains("m_clickPointCloud"));
+    click(w, "btn_point_cloud_select");
+    // The first point still waits for its partner, whatever was toggled.
+    click(w, "btn_ranging");
+    clickAt(w, drawnAt(w, 0.0, -1.0));
+    QCOMPARE(label3D(w, "m_ranging_text"), QStringLiteral("2.00M"));
+}
+
+void MeasureTest::rangingPairs_data()
+{
+    QTest::addColumn<QPointF>("a");
+    QTest::addColumn<QPointF>("b");
+    QTest::addColumn<QString>("label");
+    QTest::addColumn<double>("scale");
+    QTest::newRow("3 m along x") << QPointF(-1.5, 0) << QPointF(1.5, 0) << "3.00M" << 0.18;
+    QTest::newRow("the same point twice") << QPointF(1, 1) << QPointF(1, 1) << "0.00M" << 0.0;
+    QTest::newRow("diagonal") << QPointF(1, 1) << QPointF(-1, -2) << "3.61M" << std::sqrt(13.0f) * 0.06;
+}
+
+void MeasureTest::rangingPairs()
+{
+    QFETCH(QPointF, a);
+    QFETCH(QPointF, b);
+    QFETCH(QString, label);
+    QFETCH(double, scale);
+    auto window = openWindow();
+    ScanDeck* w = window.get();
+    w->showFrame(makeFrame({{0, float(a.x()), float(a.y()), 10, 10}, {0, float(b.x()), float(b.y()), 20, 10}}));
+    click(w, "btn_ranging");
+    clickAt(w, drawnAt(w, a.x(), a.y()));
+    clickAt(w, drawnAt(w, b.x(), b.y()));
+    QCOMPARE(label3D(w, "m_ranging_text"), label);
+    auto* text = vtkFollower::SafeDownCast(shape(w, "m_ranging_text"));
+    QVERIFY(std::abs(text->GetScale()[0] - scale) < 1e-6);
+    QCOMPARE(text->GetPosition()[0], (a.x() + b.x()) / 2);
+    QCOMPARE(w->statusBar()->currentMessage(), "Distance between two points:" + label.chopped(1));
+}
+
+// A rubber band dragged over two points makes the box; the dialog shows and
+// edits its bounds, and the edit applies to the frame on screen at once.
+void MeasureTest::boxByDragAndByNumbers()
+{
+    auto window = openWindow();
+    ScanDeck* w = window.get();
+    w->showFrame(crossFrame());
+    vtkRenderWindowInteractor* interactor = control<QVTKOpenGLNativeWidget>(w, "openGLWidget")->interactor();
+    QVERIFY(!interactor->GetPicker()->IsA("vtkAreaPicker"));
+    click(w, "btn_point_cloud_select");
+    QVERIFY(interactor->GetPicker()->IsA("vtkAreaPicker"));
+
+    // Around (1, 1) and (1.1, 1) only.
+    const QPoint from = drawnAt(w, 0.8, 1.3), to = drawnAt(w, 1.3, 0.7);
+    mouse(w, QEvent::MouseButtonPress, from, Qt::LeftButton);
+    mouse(w, QEvent::MouseMove, (from + to) / 2, Qt::LeftButton);
+    mouse(w, QEvent::MouseMove, to, Qt::LeftButton);
+    mouse(w, QEvent::MouseButtonRelease, to);
+    QVERIFY(w->isBoxActive());
+    BoxRange box = w->getBoxRange();
+    QCOMPARE((QList<float>{box.min.x, box.min.y, box.max.x, box.max.y}), (QList<float>{1.0f, 1.0f, 1.1f, 1.0f}));
+    QVERIFY(control(w, "btn_resize_range")->isEnabled());
+    click(w, "btn_point_cloud_select");
+    QVERIFY(!interactor->GetPicker()->IsA("vtkAreaPicker"));
+
+    w->showFrame(crossFrame());
+    QCOMPARE(int(w->boxCloud().size()), 2);
+    QCOMPARE(labelText(w, "label_delta_x"), QStringLiteral("Δx:10.00 CM"));
+    QCOMPARE(labelText(w, "label_delta_y"), QStringLiteral("Δy:0.00 CM"));
+    QCOMPARE(labelText(w, "label_delta_distance"), QStringLiteral("Δdistance:7.20 CM"));  // 1414 to 1486 mm
+
+    // The dialog shows the box; Ok widens it to x = -1 .. 1.1, y = -1 .. 1.
+    QStringList shown;
+    auto* dialog = onModal<BoxSelectionDialog>([&] { click(w, "btn_resize_range"); }, [&](BoxSelectionDialog* d) {
+        for (const char* name : {"spin_min_x", "spin_min_y", "spin_max_x", "spin_max_y"})
+            shown << d->findChild<QDoubleSpinBox*>(name)->text();
+        d->findChild<QDoubleSpinBox*>("spin_min_x")->setValue(-1.0);
+        d->findChild<QDoubleSpinBox*>("spin_min_y")->setValue(-1.0);
+        d->findChild<QAbstractButton*>("btn_ok")->click();
+    });
+    QVERIFY(dialog && dialog->windowTitle() == QStringLiteral("Box Selection Settings"));
+    QCOMPARE(shown, (QStringList{"1.00", "1.00", "1.10", "1.00"}));
+    box = w->getBoxRange();
+    QCOMPARE((QList<float>{box.min.x, box.min.y, box.max.x, box.max.y}), (QList<float>{-1.0f, -1.0f, 1.1f, 1.0f}));
+    QCOMPARE(int(w->boxCloud().size()), 6);
+    QCOMPARE(labelText(w, "label_delta_x"), QStringLiteral("Δx:210.00 CM"));
+
+    // Cancel keeps the box; the same dialog comes back.
+    QCOMPARE(onModal<BoxSelectionDialog>([&] { click(w, "btn_resize_range"); },
+                                         [](BoxSelectionDialog* d) {
+                                             d->findChild<QDoubleSpinBox*>("spin_max_x")->setValue(0.0);
+                                             d->findChild<QAbstractButton*>("btn_cancel")->click();
+                                         }),
+             dialog);
+    QCOMPARE(w->getBoxRange().max.x, 1.1f);
+}
+
+void MeasureTest::cursorAzimuth_data()
+{
+    QTest::addColumn<double>("x");
+    QTest::addColumn<double>("y");
+    QTest::addColumn<QString>("azimuth");
+    QTest::addColumn<QString>("distance");
+    QTest::newRow("x > 0, y > 0") << 1.0 << 1.0 << "Azimuth:45" << "Distance:1.41421";
+    QTest::newRow("x > 0, y < 0") << 1.0 << -1.0 << "Azimuth:135" << "Distance:1.41421";
+    QTest::newRow("x < 0, y < 0") << -1.0 << -1.0 << "Azimuth:225" << "Distance:1.41421";
+    QTest::newRow("x < 0, y > 0") << -1.0 << 1.0 << "Azimuth:315" << "Distance:1.41421";
+    QTest::newRow("+x axis") << 2.0 << 0.0 << "Azimuth:-90" << "Distance:2";
+    QTest::newRow("-x axis") << -2.0 << 0.0 << "Azimuth:-90" << "Distance:2";
+    QTest::newRow("+y axis") << 0.0 << 3.0 << "Azimuth:0" << "Distance:3";
+    QTest::newRow("-y axis") << 0.0 << -3.0 << "Azimuth:0" << "Distance:3";
+    QTest::newRow("30 degrees") << 0.5 << std::sqrt(3.0) / 2 << "Azimuth:30" << "Distance:1";
+    QTest::newRow("the origin has no azimuth") << 0.0 << 0.0 << "Azimuth:" << "Distance:0";
+}
+
+void MeasureTest::cursorAzimuth()
+{
+    QFETCH(double, x);
+    QFETCH(double, y);
+    QFETCH(QString, azimuth);
+    QFETCH(QString, distance);
+    QCOMPARE(ReadoutTexts::azimuth(ReadoutTexts::cursorAzimuth(x, y)), azimuth);
+    QCOMPARE(ReadoutTexts::distance(std::hypot(x, y)), distance);
+}
+
+void MeasureTest::frameReadouts_data()
+{
+    QTest::addColumn<int>("speed");
+    QTest::addColumn<int>("ambient");
+    QTest::addColumn<QString>("dateTime");
+    QTest::addColumn<QString>("speedText");
+    QTest::newRow("600 rpm, ambient, date-time") << 600 << 37 << "2024-05-06 07:08:09" << "motor speed: 10 hz,600 r/s";
+    QTest::newRow("half way rounds up") << 630 << 0 << "" << "motor speed: 11 hz,630 r/s";
+    QTest::newRow("negative half rounds up too") << -90 << -1 << "" << "motor speed: -1 hz,-90 r/s";
+    QTest::newRow("nothing supplied") << -1 << -1 << "" << "motor speed:";
+}
+
+void MeasureTest::frameReadouts()
+{
+    QFETCH(int, speed);
+    QFETCH(int, ambient);
+    QFETCH(QString, dateTime);
+    QFETCH(QString, speedText);
+    auto window = openWindow();
+    ScanDeck* w = window.get();
+    Frame withAll = crossFrame();
+    withAll.motorSpeed = 1200, withAll.ambient = 99, withAll.dateTime = QStringLiteral("earlier");
+    w->showFrame(withAll);
+    Frame frame = crossFrame();
+    frame.motorSpeed = speed, frame.ambient = ambient, frame.dateTime = dateTime;
+    w->showFrame(frame);
+    QCOMPARE(labelText(w, "label_motor_speed"), speedText);
+    // An earlier frame's texts do not linger when this one has none.
+    QCOMPARE(text2D(w, "Ambient"), ambient == -1 ? QString() : "Ambient:" + QString::number(ambient));
+    QCOMPARE(text2D(w, "DateTime"), dateTime.isEmpty() ? QString() : dateTime);
+    QCOMPARE(labelText(w, "label_delta_x"), QStringLiteral("Δx:"));  // no box
+}
+
+// The cursor's spot on the ground plane; box mode rests the readouts.
+void MeasureTest::hoverReadouts()
+{
+    auto window = openWindow();
+    ScanDeck* w = window.get();
+    w->showFrame(crossFrame());
+    QCOMPARE(labelText(w, "label_azimuth"), QStringLiteral("Azimuth:"));
+    mouse(w, QEvent::MouseMove, drawnAt(w, 1.0, -1.0));
+    const double azimuth = labelText(w, "label_azimuth").section(':', 1).toDouble();
+    const double distance = labelText(w, "label_distance").section(':', 1).toDouble();
+    QVERIFY2(std::abs(azimuth - 135) < 1 && std::abs(distance - std::sqrt(2.0)) < 0.02,
+             qPrintable(labelText(w, "label_azimuth") + " " + labelText(w, "label_distance")));
+    click(w, "btn_point_cloud_select");
+    mouse(w, QEvent::MouseMove, drawnAt(w, 1.0, 1.0));
+    QCOMPARE(labelText(w, "label_azimuth") + labelText(w, "label_distance"), QStringLiteral("Azimuth:Distance:"));
+}
+
+void MeasureTest::everyControlHasAnEffect_data()
+{
+    QTest::addColumn<QString>("name");
+    for (const char* name : {"btn_grid", "btn_polar", "btn_set_grid_polar", "btn_ranging", "btn_point_cloud_select",
+                             "btn_resize_range", "label_motor_speed", "label_delta_x", "label_delta_y",
+                             "label_delta_distance", "label_azimuth", "label_distance"})
+        QTest::newRow(name) << QString::fromLatin1(name);
+}
+
+// Each measurement control, used as an operator would, changes what the
+// view or the status bar shows.
+void MeasureTest::everyControlHasAnEffect()
+{
+    QFETCH(QString, name);
+    auto window = openWindow();
+    ScanDeck* w = window.get();
+    w->showFrame(crossFrame());
+    auto* renderer = w->renderer();
+    const int propsBefore = renderer->GetViewProps()->GetNumberOfItems();
+    auto* interactor = control<QVTKOpenGLNativeWidget>(w, "openGLWidget")->interactor();
+    const QByteArray control = name.toLatin1();
+    const QString textBefore = name.startsWith("label") ? labelText(w, control) : QString();
+
+    if (name == "btn_grid" || name == "btn_polar") {
+        click(w, control);
+        QVERIFY(renderer->GetViewProps()->GetNumberOfItems() > propsBefore + 20);
+    } else if (name == "btn_set_grid_polar") {
+        click(w, "btn_grid");
+        const QString outer = w->gridLineIds.first();
+        onModal<GridPolarDialog>([&] { click(w, control); },
+                                 [](GridPolarDialog* d) { d->findChild<QSpinBox*>("spinBox_grid_step")->setValue(20); });
+        QVERIFY(w->gridLineIds.first() != outer);
+    } else if (name == "btn_ranging") {
+        click(w, control);
+        clickAt(w, drawnAt(w, 1.0, 0.0));
+        clickAt(w, drawnAt(w, -1.0, 0.0));
+        QVERIFY(shape(w, "m_ranging_line"));
+    } else if (name == "btn_point_cloud_select") {
+        click(w, control);
+        QVERIFY(interactor->GetPicker()->IsA("vtkAreaPicker"));
+    } else if (name == "btn_resize_range") {
+        w->areaPicked({0});
+        auto* dialog = onModal<BoxSelectionDialog>([&] { click(w, control); }, [](BoxSelectionDialog* d) {
+            d->findChild<QDoubleSpinBox*>("spin_max_x")->setValue(5.0);
+            d->findChild<QAbstractButton*>("btn_ok")->click();
+        });
+        QVERIFY(dialog && w->getBoxRange().max.x == 5.0f);
+    } else if (name == "label_azimuth" || name == "label_distance") {
+        mouse(w, QEvent::MouseMove, drawnAt(w, 1.0, 1.0));
+    } else if (name == "label_motor_speed") {
+        QCOMPARE(labelText(w, control), QStringLiteral("motor speed: 10 hz,600 r/s"));
+        return;
+    } else {
+        w->areaPicked({4, 5});
+        w->showFrame(crossFrame());
+    }
+    if (!textBefore.isNull())
+        QVERIFY2(labelText(w, control) != textBefore, qPrintable(textBefore));
+}
+
+SCANDECK_TEST_MAIN(MeasureTest)
+#include "tst_measure.moc"
