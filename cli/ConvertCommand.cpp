@@ -1,7 +1,6 @@
 // scandeck-cli convert: a recording to CSV, as the viewer would export it.
 
 #include "CliSupport.h"
-#include "LIdarFactory.h"
 #include "PointRounding.h"
 #include "RecordingCheck.h"
 
@@ -25,8 +24,11 @@ const char* const kHelp =
     "  --end-angle <deg>      write only points with azimuth <= B (default 360)\n"
     "  -h, --help             show this help\n"
     "\n"
-    "The file appears only once it is complete. Exit status: 0 success, 1 the\n"
-    "recording could not be converted, 2 bad arguments.\n";
+    "The recording is read once, a piece at a time, and frames are written as\n"
+    "they are decoded, so any length fits in a little memory. The file appears\n"
+    "only once it is complete; written to standard output, the frames before a\n"
+    "damaged part of a recording are out before the error is found. Exit\n"
+    "status: 0 success, 1 the recording could not be converted, 2 bad arguments.\n";
 
 }  // namespace
 
@@ -55,28 +57,38 @@ int runConvert(const QStringList& arguments)
         return usageError(command, QStringLiteral("end angle '%1' is not a number").arg(parser.value(endAngle)));
 
     const QString recording = positional.first();
-    const RecordingCheck check = checkRecording(recording);
-    if (!check.ok)
-        return fileError(recording, check.problem);
-
-    auto parsed = LIdarFactory::GetInstance()->ParseFile(recording);
-    QVector<lidar::LidarDataPoint_V4>& frames = parsed.second;
-    if (frames.isEmpty())
-        return fileError(recording, QStringLiteral("no complete frame in its %1 elements (model %2)")
-                                        .arg(check.elementCount)
-                                        .arg(check.model));
-
-    CsvOutput out;
+    lidar::RecordingStream stream(recording);
     QString error;
-    if (!out.open(parser.value(output), error))
-        return fileError(parser.value(output), QStringLiteral("cannot write: %1").arg(error));
-    out.writer().setAngleRange(float(start), float(end));
+    if (!openRecording(stream, error))
+        return fileError(recording, error);
+
+    // Frames are written as the recording is read and decoded; the output
+    // is opened with the first of them, so that a recording without any
+    // leaves nothing behind.
+    CsvOutput out;
+    bool outputFailed = false;
+    int frames = 0;
     qint64 points = 0;
-    for (int i = 0; i < frames.size(); ++i) {
-        display::roundFrameCoordinates(frames[i]);
-        points += out.writer().writeFrame(i + 1, frames[i]);
-        frames[i] = lidar::LidarDataPoint_V4();  // done with it: give the memory back early
+    const bool complete = stream.run([&](lidar::LidarDataPoint_V4& frame) {
+        if (frames == 0) {
+            if (!out.open(parser.value(output), error))
+                return !(outputFailed = true);
+            out.writer().setAngleRange(float(start), float(end));
+        }
+        display::roundFrameCoordinates(frame);
+        points += out.writer().writeFrame(++frames, frame);
+        return true;
+    });
+    if (outputFailed)
+        return fileError(parser.value(output), QStringLiteral("cannot write: %1").arg(error));
+    if (!complete) {
+        out.discard();
+        return fileError(recording, damageText(stream));
     }
+    if (frames == 0)
+        return fileError(recording, QStringLiteral("no complete frame in its %1 elements (model %2)")
+                                        .arg(stream.announcedCount())
+                                        .arg(stream.model()));
     if (!out.finish(error))
         return fileError(parser.value(output), QStringLiteral("cannot write: %1").arg(error));
     if (start > end)
@@ -86,9 +98,9 @@ int runConvert(const QStringList& arguments)
     if (parser.value(output) != QLatin1String("-"))
         printOut(QStringLiteral("%1: %2 frames, %3 points of model %4 written to %5")
                      .arg(recording)
-                     .arg(frames.size())
+                     .arg(frames)
                      .arg(points)
-                     .arg(check.model, parser.value(output)));
+                     .arg(stream.model(), parser.value(output)));
     return Success;
 }
 

@@ -1,7 +1,6 @@
 // scandeck-cli info: what a recording holds.
 
 #include "CliSupport.h"
-#include "LIdarFactory.h"
 #include "RecordFile.h"
 #include "RecordingCheck.h"
 #include "TernProtocol.h"
@@ -41,15 +40,12 @@ bool hasGpsTime(const QString& model)
            model == QLatin1String("Tern_Plus");
 }
 
-QString packetTime(const QString& model, const QVector<QByteArray>& packets, bool first)
+// The calendar time of a GPS-stamped data packet, as its text.
+QString packetTime(const QString& model, const QByteArray& packet)
 {
-    for (int k = 0; k < packets.size(); ++k) {
-        const QByteArray& packet = packets[first ? k : packets.size() - 1 - k];
-        const int offset = calendarOffset(model, packet);
-        if (offset >= 0)
-            return lidar::tern::dateTimeText(lidar::tern::readCalendar(packet, offset));
-    }
-    return QStringLiteral("none (no data packet)");
+    if (packet.isNull())
+        return QStringLiteral("none (no data packet)");
+    return lidar::tern::dateTimeText(lidar::tern::readCalendar(packet, calendarOffset(model, packet)));
 }
 
 }  // namespace
@@ -67,32 +63,43 @@ int runInfo(const QStringList& arguments)
         return usageError(command, positional.isEmpty() ? "no recording given" : "give exactly one recording");
 
     const QString recording = positional.first();
-    const RecordingCheck check = checkRecording(recording);
-    if (!check.ok)
-        return fileError(recording, check.problem);
+    lidar::RecordingStream stream(recording);
+    QString problem;
+    if (!openRecording(stream, problem))
+        return fileError(recording, problem);
 
-    QVector<QByteArray> packets = lidar::readRecordFile(recording);
-    if (!packets.isEmpty())
-        packets.removeFirst();  // the model name
-    QString version;
-    if (check.model == QLatin1String("Tern_P") && !packets.isEmpty())
-        version = QString::fromLatin1(packets.takeFirst());
-
-    const auto parsed = LIdarFactory::GetInstance()->ParseFile(recording);
-    qint64 points = 0;
-    for (const auto& frame : parsed.second)
+    // One pass: the packets are looked at for their times as they are read,
+    // and the frames counted as they are decoded.
+    const QString model = stream.model();
+    QByteArray first, last;  // the first and last data packets with a calendar time
+    if (hasGpsTime(model)) {
+        stream.setPacketObserver([&](const QByteArray& packet) {
+            if (calendarOffset(model, packet) == kNoCalendar)
+                return;
+            if (first.isNull())
+                first = packet;
+            last = packet;
+        });
+    }
+    qint64 frames = 0, points = 0;
+    const bool complete = stream.run([&](lidar::LidarDataPoint_V4& frame) {
+        ++frames;
         points += qint64(frame.pointCount());
+        return true;
+    });
+    if (!complete)
+        return fileError(recording, damageText(stream));
 
     printOut(QStringLiteral("file:              %1").arg(recording));
-    printOut(QStringLiteral("model:             %1").arg(check.model));
-    if (check.model == QLatin1String("Tern_P"))
-        printOut(QStringLiteral("version number:    %1").arg(version));
-    printOut(QStringLiteral("packets:           %1").arg(packets.size()));
-    printOut(QStringLiteral("complete frames:   %1").arg(parsed.second.size()));
+    printOut(QStringLiteral("model:             %1").arg(model));
+    if (lidar::recordPrefixElements(model) > 0)
+        printOut(QStringLiteral("version number:    %1").arg(QString::fromLatin1(stream.versionElement())));
+    printOut(QStringLiteral("packets:           %1").arg(stream.packets()));
+    printOut(QStringLiteral("complete frames:   %1").arg(frames));
     printOut(QStringLiteral("points:            %1").arg(points));
-    if (hasGpsTime(check.model)) {
-        printOut(QStringLiteral("first packet time: %1").arg(packetTime(check.model, packets, true)));
-        printOut(QStringLiteral("last packet time:  %1").arg(packetTime(check.model, packets, false)));
+    if (hasGpsTime(model)) {
+        printOut(QStringLiteral("first packet time: %1").arg(packetTime(model, first)));
+        printOut(QStringLiteral("last packet time:  %1").arg(packetTime(model, last)));
     }
     return Success;
 }

@@ -247,6 +247,9 @@ void CliTest::badRecordingsFailWithOneLine_data()
         << QByteArray("\x7F\xFF\xFF\xF0\x00\x00\x00\x04Tern\x00\x00\x00\x04\xA5\x5A\x00\x00", 20)
         << "truncated or damaged";
     QTest::newRow("truncated") << good.left(good.size() / 2) << "truncated or damaged";
+    // Found only after thousands of packets were decoded and their frames written.
+    const QByteArray longer = recording("Tern", testing::ternRevolutions(120));
+    QTest::newRow("truncated late") << longer.left(longer.size() - 1000) << "truncated or damaged";
     QTest::newRow("unregistered model") << recording("Falcon", testing::ternRevolutions(2))
                                         << "unknown model \"Falcon\"";
     QTest::newRow("no complete frame") << recording("Tern", testing::ternRevolutions(1)) << "no complete frame";

@@ -6,7 +6,7 @@
 
 #include "FuzzChecks.h"
 #include "LIdarFactory.h"
-#include "PacketBuilders.h"
+#include "OfflineParseState.h"
 #include "RecordFile.h"
 
 #define SCANDECK_STRING(name) #name
@@ -16,23 +16,12 @@ namespace {
 
 const QString kModel = QStringLiteral(SCANDECK_NAME(SCANDECK_FUZZ_MODEL));
 
-// The parse keeps its unfinished turn (and the previous azimuth and packet
-// time) for the next call. A turn's last packet and the next turn's first,
-// twice, end whatever turn the last input left open (the first wrap) and
-// leave the same state behind every time (the second), so each parse starts
-// from the same point and memory cannot build up across inputs.
+// The parse keeps its unfinished turn for the next call: brought to the same
+// point before each parse, so that memory cannot build up across inputs and
+// the two parses of an input start alike.
 void settle()
 {
-    static const QVector<QByteArray> wraps = [] {
-        const QVector<QByteArray> turn = testing::revolutionPackets(kModel, 1);
-        QVector<QByteArray> elements;
-        if (lidar::recordPrefixElements(kModel) > 0)
-            elements.append("215");
-        for (int twice = 0; twice < 2; ++twice)
-            elements << turn[turn.size() - 2] << turn.last();
-        return elements;
-    }();
-    LIdarFactory::GetInstance()->parseMap.value(kModel)(wraps);
+    testing::settleOfflineParse(kModel);
 }
 
 }  // namespace
