@@ -3,9 +3,12 @@
 #include "AboutDialog.h"
 #include "BoxSelectionDialog.h"
 #include "GridPolarDialog.h"
+#include "DeviceSettingsPanel.h"
+#include "CaptureFile.h"
 #include "IniSettings.h"
 #include "LIdarFactory.h"
 #include "LidarAnalysis.h"
+#include "NetworkToolLauncher.h"
 #include "OffinePlayWidget.h"
 #include "OfflineDrop.h"
 #include "OverlayPainter.h"
@@ -126,6 +129,10 @@ void ScanDeck::initUi()
     initViewer();
     ui->openGLWidget->setAcceptDrops(true);
 
+    m_devicePanel = new DeviceSettingsPanel(
+        {ui->btn_motor_state, ui->comboBox_motor_filter, ui->comboBox_motor_frequency, ui->btn_GPS_test}, this);
+    m_networkTool = new NetworkToolLauncher(this);
+
     // Nothing is connected yet: only the connect buttons are live.
     applyLiveState(false);
 
@@ -155,6 +162,7 @@ void ScanDeck::initUi()
 
     ui->offline->setExportAction(
         [this](QPushButton* button, bool checked) { exportCsv(button, checked); });
+    initExportTools();
     ui->offline->setMessageHook([this](const QString& title, const QString& text) {
         usermessages::information(this, title, text);
     });
@@ -205,6 +213,8 @@ void ScanDeck::initStatusBar()
 {
     m_progressBar = new QProgressBar(this);
     m_progressBar->setRange(1, 100);
+    // The value is the percentage: over the range 1..100 Qt's own text would be one off.
+    m_progressBar->setFormat(QStringLiteral("%v%"));
     m_progressBar->setFixedHeight(20);
     m_progressBar->setMaximumWidth(240);
     m_progressBar->hide();
@@ -353,7 +363,8 @@ void ScanDeck::showSavingProgress(float progress)
 void ScanDeck::showFileSaved(const QString& fileName)
 {
     usermessages::information(this, tr("File saved"), tr("File save path:%1").arg(fileName));
-    m_progressBar->hide();
+    if (!m_csvExport.isActive())  // the bar may be showing a running export's progress
+        m_progressBar->hide();
 }
 
 void ScanDeck::closeEvent(QCloseEvent* event)
@@ -368,9 +379,7 @@ void ScanDeck::closeEvent(QCloseEvent* event)
         && usermessages::question(this, tr("question"),
                                   tr("Exporting csv data, do you want to save the data before exiting "
                                      "the program?"))) {
-        m_csvActive = false;
-        m_csvFile.flush();
-        m_csvFile.close();
+        m_csvExport.finish();
         m_progressBar->hide();
     }
     event->accept();
@@ -397,13 +406,21 @@ bool ScanDeck::eventFilter(QObject* watched, QEvent* event)
     return QMainWindow::eventFilter(watched, event);
 }
 
-// A recording dropped on the view is played offline, if the user agrees.
+// A recording or a capture dropped on the view is played offline, if the
+// user agrees.
 void ScanDeck::playDroppedFile(const QString& path)
 {
-    const RecordingOpener::Result opened = RecordingOpener::open(this, path);
-    if (opened.cancelled || opened.busy)
-        return;  // nothing changes
-    if (opened.frames.isEmpty()) {
+    QPair<QString, QVector<lidar::LidarDataPoint_V4>> parsed;
+    if (capture::looksLikeCaptureFile(path)) {
+        if (!ui->offline->readCapture(path, parsed.first, parsed.second))
+            return;  // cancelled, or the player has said why
+    } else {
+        RecordingOpener::Result opened = RecordingOpener::open(this, path);
+        if (opened.cancelled || opened.busy)
+            return;  // nothing changes
+        parsed = {opened.model, std::move(opened.frames)};
+    }
+    if (parsed.second.isEmpty()) {
         usermessages::information(this, tr("information"), tr("Unable to parse this file"));
         return;
     }
@@ -412,6 +429,6 @@ void ScanDeck::playDroppedFile(const QString& path)
     if (m_playing)
         ui->btn_play_pause->click();  // pause the live display first
     ui->offline->stop();
-    ui->offline->loadFrames(opened.model, opened.frames);
+    ui->offline->loadFrames(parsed.first, parsed.second);
     ui->tabWidget->setCurrentWidget(ui->tab_offline);
 }

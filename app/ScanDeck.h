@@ -6,6 +6,7 @@
 // cloud fill, table rows); this class wires them to the widgets and the view.
 
 #include "AutoConnector.h"
+#include "CsvExport.h"
 #include "IConnectLiDAR.h"
 #include "IGridPolar.h"
 #include "ITableViewToolBar.h"
@@ -16,6 +17,7 @@
 #include <QFile>
 #include <QMainWindow>
 #include <QPoint>
+#include <QPointer>
 #include <QString>
 #include <cstdint>
 #include <future>
@@ -26,8 +28,11 @@
 
 class AboutDialog;
 class BoxSelectionDialog;
+class DeviceSettingsPanel;
 class GridPolarDialog;
+class ExportDataDialog;
 class LidarAnalysis;
+class NetworkToolLauncher;
 class OverlayPainter;
 class QAbstractButton;
 class QLabel;
@@ -40,6 +45,7 @@ class RangingMarks;
 class SelectConnectType;
 class StatusReadouts;
 class TableViewToolBar;
+class ViewExportTools;
 class vtkGenericOpenGLRenderWindow;
 class vtkOrientationMarkerWidget;
 class vtkRenderer;
@@ -88,6 +94,10 @@ public:
     using SaveFileHook = std::function<QString(QWidget* parent, const QString& caption, const QString& proposed,
                                                const QString& filter)>;
 
+    // Shows the CSV export dialog modally; true when it was accepted. Tests
+    // fill it in and press OK instead.
+    using ExportDialogHook = std::function<bool(ExportDataDialog& dialog)>;
+
     // The OpenGL format VTK needs; call before the QApplication is made.
     static void prepareGraphics();
 
@@ -127,6 +137,7 @@ public:
     // Empty hooks restore the defaults (QFileDialog, the system's serial ports).
     void setSaveFileHook(SaveFileHook hook) { m_saveFileHook = std::move(hook); }
     void setSerialPortLister(AutoConnector::PortLister lister) { m_serialPorts = std::move(lister); }
+    void setExportDialogHook(ExportDialogHook hook) { m_exportDialogHook = std::move(hook); }
 
     // The live session (null before the first connection attempt).
     std::shared_ptr<LidarAnalysis> session() const { return m_live.session(); }
@@ -134,6 +145,9 @@ public:
     bool isPlaying() const { return m_playing; }
     // The connection dialog, once btn_connect has made it.
     SelectConnectType* connectDialog() const { return m_connectDialog; }
+    // The "Setting" tab's device controls and the network module tool.
+    DeviceSettingsPanel* devicePanel() const { return m_devicePanel; }
+    NetworkToolLauncher* networkTool() const { return m_networkTool; }
 
     // Read access for the measurement tools, the benchmark and the tests.
     int pointSize() const { return m_pointSize; }
@@ -155,6 +169,7 @@ public:
     // The dialogs, once their buttons have made them (null before).
     GridPolarDialog* gridPolarDialog() const { return m_gridPolarDialog; }
     BoxSelectionDialog* boxSelectionDialog() const { return m_boxDialog; }
+    const CsvExport& csvExport() const { return m_csvExport; }
 
 signals:
     void SendMessageSignal(QString message);
@@ -194,6 +209,12 @@ private:
     // What a confirmed connection changes in the window.
     void enterConnectedState();
     QString askSavePath(const QString& proposed);
+    // The save dialogs of the exports: the test hook when there is one.
+    QString askSavePath(QWidget* parent, const QString& caption, const QString& proposed, const QString& filter);
+    void initExportTools();
+    // What an export of the current frame saves: the box's points while
+    // the box is in force, else the whole frame last shown.
+    lidar::LidarDataPoint_V4 frameToExport() const;
 
     // Operations wired to the controls.
     void toggleTabPanel();
@@ -203,6 +224,7 @@ private:
     void showWarning(const QString& message);
     void showSavingProgress(float progress);
     void showFileSaved(const QString& fileName);
+    void showExportSaved(const QString& fileName);
     void toggleTablePane(bool open);
     void clearView();
     void setRangingMode(bool on);
@@ -217,7 +239,6 @@ private:
     void showGridPolarDialog();
     void toggleGpsTest();
     void startNetworkTool();
-    void setMotorFrequencyFromText(const QString& text);
     void configureDevicePanel(const QString& group);
     void playDroppedFile(const QString& path);
     // Mouse over the 3D view: readouts and the ranging preview on moves,
@@ -246,6 +267,8 @@ private:
     QProgressBar* m_progressBar = nullptr;
     TableViewToolBar* m_tableToolBar = nullptr;
     AboutDialog* m_about = nullptr;
+    DeviceSettingsPanel* m_devicePanel = nullptr;
+    NetworkToolLauncher* m_networkTool = nullptr;
     lidar::LidarDataPoint_V4 m_lastFrame;
     int m_pointSize = 4;
     bool m_playing = false;
@@ -257,13 +280,10 @@ private:
     QStandardItemModel* m_tableModel = nullptr;
     quintptr m_savedKeyboardLayout = 0;
     QTabBar* m_tabBar = nullptr;
-    QFile m_csvFile;
-    bool m_csvActive = false;
-    int m_csvFramesWritten = 0;
-    int m_csvFrameLimit = 0;
-    float m_csvStartAngle = 0.0f;
-    float m_csvEndAngle = 360.0f;
-    QString m_csvPath;
+    CsvExport m_csvExport;
+    QPointer<QAbstractButton> m_csvButton;  // the export button that started the export
+    ExportDialogHook m_exportDialogHook;
+    ViewExportTools* m_viewExport = nullptr;
     QTranslator* m_translator = nullptr;
     int m_tableRows = 30;
     int m_precision = 2;

@@ -53,10 +53,8 @@ void ScanDeck::showFrame(lidar::LidarDataPoint_V4 frame)
     m_readouts->showFrame(frame);
     --m_renderBatchDepth;
 
-    if (m_csvActive) {
-        ++m_csvFramesWritten;
+    if (m_csvExport.isActive())
         writeCsvFrame(m_boxActive ? boxFrame : frame);
-    }
     m_lastFrame = std::move(frame);
     m_timings.ownNs = clock.nsecsElapsed() - m_timings.viewerNs;
 

@@ -1,7 +1,6 @@
-// Operations of the overlays, box selection, ranging, CSV export and the
-// device panel (the live link's are in ScanDeckLive.cpp). Each is wired to
-// its control already; the ones without a body yet only keep what they are
-// given.
+// Operations of the overlays, box selection and ranging. The live link's
+// are in ScanDeckLive.cpp, the device panel's in ScanDeckDevice.cpp, the
+// exports' in ScanDeckExport.cpp.
 
 #include "ScanDeck.h"
 
@@ -67,17 +66,6 @@ void ScanDeck::setRangingMode(bool on)
     m_pickedPoints[0] = m_pickedPoints[1] = ScenePoint();
 }
 
-void ScanDeck::exportCsv(QAbstractButton* button, bool checked)
-{
-    Q_UNUSED(button);
-    Q_UNUSED(checked);
-}
-
-void ScanDeck::writeCsvFrame(const lidar::LidarDataPoint_V4& frame)
-{
-    Q_UNUSED(frame);
-}
-
 // "Point Cloud Box": while on, a left drag in the view selects an area
 // instead of turning the camera, and the cursor readouts rest.
 void ScanDeck::toggleBoxSelection(bool on)
@@ -130,19 +118,4 @@ void ScanDeck::showGridPolarDialog()
     if (!m_gridPolarDialog)
         m_gridPolarDialog = new GridPolarDialog(this, this);
     m_gridPolarDialog->exec();
-}
-
-void ScanDeck::toggleGpsTest() {}
-
-void ScanDeck::startNetworkTool() {}
-
-void ScanDeck::setMotorFrequencyFromText(const QString& text)
-{
-    if (m_live.session())
-        m_live.session()->SetDeviceParam(static_cast<quint8>(text.toInt() & 0xFF));
-}
-
-void ScanDeck::configureDevicePanel(const QString& group)
-{
-    Q_UNUSED(group);
 }

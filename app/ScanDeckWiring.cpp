@@ -3,6 +3,7 @@
 
 #include "ScanDeck.h"
 
+#include "DeviceSettingsPanel.h"
 #include "LidarAnalysis.h"
 #include "OffinePlayWidget.h"
 #include "ui_ScanDeck.h"
@@ -42,7 +43,7 @@ void ScanDeck::wireSignals()
     connect(u->btn_export_csv, &Button::clicked, this,
             [this](bool checked) { exportCsv(ui->btn_export_csv, checked); });
     connect(this, &ScanDeck::SendDataSavingProgressSianal, this, &ScanDeck::showSavingProgress);
-    connect(this, &ScanDeck::SendEndSaveDataSignal, this, &ScanDeck::showFileSaved);
+    connect(this, &ScanDeck::SendEndSaveDataSignal, this, &ScanDeck::showExportSaved);
     connect(u->btn_point_cloud_select, &Button::clicked, this, &ScanDeck::toggleBoxSelection);
     wireOfflinePlayer();
     connect(u->btn_GPS_test, &Button::clicked, this, &ScanDeck::toggleGpsTest);
@@ -82,21 +83,11 @@ void ScanDeck::wireSessionSignals()
     if (!session)
         return;
     auto& c = m_sessionConnections;
-    // Motor switch and filter box: the session is the receiver, so the
-    // commands run (queued) on the session's thread.
-    c << connect(ui->btn_motor_state, &QAbstractButton::toggled, session,
-                 [session](bool checked) { session->SetMotorFrequency(checked ? 1 : 0); });
     // The session lives on its worker thread: its frames reach the display
     // queued, every one of them drawn.
     c << connect(session, &LidarAnalysis::SendleLidarDataSignal, this, &ScanDeck::showFrame, Qt::UniqueConnection);
     c << connect(session, &LidarAnalysis::SendMessageSignal, this, &ScanDeck::showWarning);
     c << connect(session, &LidarAnalysis::SendEndSaveDataSignal, this, &ScanDeck::showFileSaved);
-    c << connect(session, &LidarAnalysis::SendGPSTimeData, this, [](const lidar::GPSTime&) {
-        // The GPS test window takes these once it exists.
-    });
-    c << connect(ui->comboBox_motor_filter, QOverload<int>::of(&QComboBox::activated), session,
-                 [session](int index) { session->SetLidarFilter(index); });
-    // The frequency command runs here, on the user interface thread.
-    c << connect(ui->comboBox_motor_frequency, &QComboBox::textActivated, this,
-                 &ScanDeck::setMotorFrequencyFromText);
+    // Motor switch, filter and frequency boxes, and the GPS test window.
+    m_devicePanel->bindSession(m_live.session());
 }

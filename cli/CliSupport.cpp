@@ -1,5 +1,7 @@
 #include "CliSupport.h"
 
+#include "LIdarFactory.h"
+
 #include <QCommandLineParser>
 #include <QHostAddress>
 #include <QLocale>
@@ -65,6 +67,21 @@ bool toPositiveInt(const QString& text, int& value)
     bool ok = false;
     value = text.trimmed().toInt(&ok, 10);
     return ok && value > 0;
+}
+
+bool toPort(const QString& text, quint16& port)
+{
+    bool ok = false;
+    const uint number = text.trimmed().toUInt(&ok, 10);
+    if (!ok || number == 0 || number > 65535)
+        return false;
+    port = quint16(number);
+    return true;
+}
+
+QString modelList()
+{
+    return LIdarFactory::GetInstance()->ModelNames().join(QStringLiteral(", "));
 }
 
 bool toEndpoint(const QString& text, QString& ip, quint16& port)

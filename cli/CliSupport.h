@@ -31,6 +31,9 @@ int parseCommandLine(QCommandLineParser& parser, const QString& command, const Q
 
 bool toNumber(const QString& text, double& value);  // C locale, finite only
 bool toPositiveInt(const QString& text, int& value);
+bool toPort(const QString& text, quint16& port);  // 1..65535
+// The registered model names, comma separated.
+QString modelList();
 // "<ip>:<port>" with an IPv4 or IPv6 (in brackets) address and a port 1..65535.
 bool toEndpoint(const QString& text, QString& ip, quint16& port);
 

@@ -1,8 +1,10 @@
-// scandeck-cli convert: a recording to CSV, as the viewer would export it.
+// scandeck-cli convert: a recording or a capture to CSV, PCD or PLY, one
+// frame at a time from the source into the writer.
 
 #include "CliSupport.h"
+#include "CloudFileWriter.h"
+#include "FrameSource.h"
 #include "PointRounding.h"
-#include "RecordingCheck.h"
 
 #include <QCommandLineParser>
 
@@ -10,25 +12,84 @@ namespace cli {
 namespace {
 
 const char* const kHelp =
-    "Usage: scandeck-cli convert <recording> -o <out.csv> [--start-angle A] [--end-angle B]\n"
+    "Usage: scandeck-cli convert <recording|capture> -o <output> [--format csv|pcd|ply]\n"
+    "         [--ascii] [--merge] [--model <Name>] [--port <n>] [--firmware <n>]\n"
+    "         [--start-angle A] [--end-angle B]\n"
     "\n"
     "Decodes every complete frame of a recording made by the viewer or by\n"
-    "'scandeck-cli listen --record' and writes it as CSV: a header line, then\n"
-    "one line per point (frame number from 1, ID, x, y, z rounded to the\n"
-    "centimetre as the viewer shows them, azimuth, distance in metres,\n"
-    "intensity, timestamp). The model is read from the recording.\n"
+    "'scandeck-cli listen --record', or of a tcpdump/Wireshark capture (pcap or\n"
+    "pcapng), and writes the points with x, y, z rounded to the centimetre as\n"
+    "the viewer shows them.\n"
+    "\n"
+    "CSV: one file, a header line, then one line per point (frame number from 1,\n"
+    "ID, x, y, z, azimuth, distance in metres, intensity, timestamp).\n"
+    "PCD and PLY (written by PCL): fields x, y, z, intensity, azimuth, distance\n"
+    "(metres), timestamp (ms, -1 when none), frame and id; one file per frame\n"
+    "(frame_000001.pcd, ...) in the folder given with -o, or with --merge all\n"
+    "frames as one cloud in the file given with -o.\n"
+    "\n"
+    "A capture does not name its lidar: its UDP payloads to the data port go,\n"
+    "in capture order, through the given model's live stream cutting.\n"
     "\n"
     "Options:\n"
-    "  -o, --output <file>    CSV file to write ('-' for standard output)\n"
+    "  -o, --output <path>    CSV file ('-' for standard output), folder, or\n"
+    "                         with --merge the PCD/PLY file\n"
+    "  --format <f>           csv (default), pcd or ply\n"
+    "  --ascii                PCD/PLY as text (default binary)\n"
+    "  --merge                PCD/PLY: all frames in one file\n"
+    "  --model <Name>         the lidar model of a capture: %1\n"
+    "  --port <n>             a capture's data port (default 2368)\n"
+    "  --firmware <n>         a capture's Tern_P firmware version number (e.g.\n"
+    "                         215) until a parameters reply in it gives one\n"
     "  --start-angle <deg>    write only points with azimuth >= A (default 0)\n"
     "  --end-angle <deg>      write only points with azimuth <= B (default 360)\n"
     "  -h, --help             show this help\n"
     "\n"
-    "The recording is read once, a piece at a time, and frames are written as\n"
-    "they are decoded, so any length fits in a little memory. The file appears\n"
-    "only once it is complete; written to standard output, the frames before a\n"
-    "damaged part of a recording are out before the error is found. Exit\n"
-    "status: 0 success, 1 the recording could not be converted, 2 bad arguments.\n";
+    "The input is read once, a piece at a time, and each frame is written as it\n"
+    "is decoded, so any length fits in a little memory. Single files appear only\n"
+    "once complete; the frames before a damaged part of the input may already\n"
+    "be out on standard output or as files of their own. Exit status: 0 success,\n"
+    "1 the input could not be converted, 2 bad arguments.\n";
+
+// CSV through the same writer as the viewer's export.
+class CsvFrameWriter : public FrameWriter {
+public:
+    explicit CsvFrameWriter(QString path) : path_(std::move(path)) {}
+
+    bool begin(QString& error) override
+    {
+        if (!out_.open(path_, error))
+            return false;
+        out_.writer().setAngleRange(startAngle_, endAngle_);
+        return true;
+    }
+    bool frame(int number, const lidar::LidarDataPoint_V4& frame, QString& error) override
+    {
+        points_ += out_.writer().writeFrame(number, frame);
+        if (!out_.writer().hasError())
+            return true;
+        error = out_.writer().errorString();
+        return false;
+    }
+    bool end(QString& error) override { return out_.finish(error); }
+    void discard() override { out_.discard(); }
+
+private:
+    QString path_;
+    CsvOutput out_;
+};
+
+bool formatFromName(const QString& name, bool& csv, cloudfile::Format& format)
+{
+    csv = name == QLatin1String("csv");
+    if (name == QLatin1String("pcd"))
+        format = cloudfile::Format::Pcd;
+    else if (name == QLatin1String("ply"))
+        format = cloudfile::Format::Ply;
+    else if (!csv)
+        return false;
+    return true;
+}
 
 }  // namespace
 
@@ -36,71 +97,107 @@ int runConvert(const QStringList& arguments)
 {
     const QString command = QStringLiteral("convert");
     QCommandLineParser parser;
-    const QCommandLineOption output({"o", "output"}, "CSV file.", "file");
+    const QCommandLineOption output({"o", "output"}, "Output.", "path");
+    const QCommandLineOption formatOption("format", "csv, pcd or ply.", "format", "csv");
+    const QCommandLineOption ascii("ascii", "PCD/PLY as text.");
+    const QCommandLineOption merge("merge", "One cloud of all frames.");
+    const QCommandLineOption model("model", "Model of a capture.", "name");
+    const QCommandLineOption port("port", "Data port of a capture.", "port", "2368");
+    const QCommandLineOption firmware("firmware", "Tern_P firmware version number.", "number", "0");
     const QCommandLineOption startAngle("start-angle", "Lowest azimuth.", "degrees", "0");
     const QCommandLineOption endAngle("end-angle", "Highest azimuth.", "degrees", "360");
-    parser.addOptions({output, startAngle, endAngle});
-    parser.addPositionalArgument("recording", "Recorded data file.");
-    const int early = parseCommandLine(parser, command, arguments, QString::fromLatin1(kHelp));
+    parser.addOptions({output, formatOption, ascii, merge, model, port, firmware, startAngle, endAngle});
+    parser.addPositionalArgument("input", "Recording or capture.");
+    const QString help = QString::fromLatin1(kHelp).arg(modelList());
+    const int early = parseCommandLine(parser, command, arguments, help);
     if (early >= 0)
         return early;
 
     const QStringList positional = parser.positionalArguments();
     if (positional.size() != 1)
         return usageError(command, positional.isEmpty() ? "no recording given" : "give exactly one recording");
-    if (!parser.isSet(output) || parser.value(output).isEmpty())
-        return usageError(command, "no output file given (-o <out.csv>)");
+    const QString target = parser.value(output);
+    if (!parser.isSet(output) || target.isEmpty())
+        return usageError(command, "no output given (-o <path>)");
+    bool csv = true;
+    cloudfile::Format format = cloudfile::Format::Pcd;
+    if (!formatFromName(parser.value(formatOption), csv, format))
+        return usageError(command,
+                          QStringLiteral("unknown format '%1' (csv, pcd or ply)").arg(parser.value(formatOption)));
+    if (!csv && target == QLatin1String("-"))
+        return usageError(command, "PCD and PLY cannot go to standard output");
     double start = 0.0, end = 0.0;
     if (!toNumber(parser.value(startAngle), start))
         return usageError(command, QStringLiteral("start angle '%1' is not a number").arg(parser.value(startAngle)));
     if (!toNumber(parser.value(endAngle), end))
         return usageError(command, QStringLiteral("end angle '%1' is not a number").arg(parser.value(endAngle)));
+    SourceOptions sourceOptions;
+    sourceOptions.model = parser.value(model);
+    if (!toPort(parser.value(port), sourceOptions.port))
+        return usageError(command, QStringLiteral("port '%1' is not a port number").arg(parser.value(port)));
+    bool versionOk = false;
+    sourceOptions.versionNumber = parser.value(firmware).toUInt(&versionOk, 10);
+    if (!versionOk)
+        return usageError(command, QStringLiteral("firmware '%1' is not a version number").arg(parser.value(firmware)));
 
-    const QString recording = positional.first();
-    lidar::RecordingStream stream(recording);
+    const QString input = positional.first();
     QString error;
-    if (!openRecording(stream, error))
-        return fileError(recording, error);
+    bool usage = false;
+    const std::unique_ptr<FrameSource> source = openFrameSource(input, sourceOptions, error, usage);
+    if (!source)
+        return usage ? usageError(command, error) : (printError(error), int(Failure));
 
-    // Frames are written as the recording is read and decoded; the output
-    // is opened with the first of them, so that a recording without any
-    // leaves nothing behind.
-    CsvOutput out;
-    bool outputFailed = false;
-    int frames = 0;
-    qint64 points = 0;
-    const bool complete = stream.run([&](lidar::LidarDataPoint_V4& frame) {
-        if (frames == 0) {
-            if (!out.open(parser.value(output), error))
-                return !(outputFailed = true);
-            out.writer().setAngleRange(float(start), float(end));
-        }
-        display::roundFrameCoordinates(frame);
-        points += out.writer().writeFrame(++frames, frame);
-        return true;
-    });
-    if (outputFailed)
-        return fileError(parser.value(output), QStringLiteral("cannot write: %1").arg(error));
-    if (!complete) {
-        out.discard();
-        return fileError(recording, damageText(stream));
+    std::unique_ptr<FrameWriter> writer;
+    if (csv) {
+        writer = std::make_unique<CsvFrameWriter>(target);
+    } else {
+        cloudfile::Options options;
+        options.format = format;
+        options.ascii = parser.isSet(ascii);
+        options.merge = parser.isSet(merge);
+        options.output = target;
+        writer = cloudfile::makeWriter(options);
     }
-    if (frames == 0)
-        return fileError(recording, QStringLiteral("no complete frame in its %1 elements (model %2)")
-                                        .arg(stream.announcedCount())
-                                        .arg(stream.model()));
-    if (!out.finish(error))
-        return fileError(parser.value(output), QStringLiteral("cannot write: %1").arg(error));
+    writer->setAngleRange(float(start), float(end));
+    if (!writer->begin(error))
+        return fileError(target, QStringLiteral("cannot write: %1").arg(error));
+
+    int frames = 0;
+    bool writeFailed = false;
+    const bool read = source->run(
+        [&](lidar::LidarDataPoint_V4& frame) {
+            display::roundFrameCoordinates(frame);
+            if (writer->frame(++frames, frame, error))
+                return true;
+            writeFailed = true;
+            return false;
+        },
+        error);
+    if (writeFailed) {
+        writer->discard();
+        return fileError(target, QStringLiteral("cannot write: %1").arg(error));
+    }
+    if (!read) {
+        writer->discard();
+        return fileError(input, error);
+    }
+    for (const QString& warning : source->warnings())
+        printError(QStringLiteral("%1: warning: %2").arg(input, warning));
+    if (frames == 0) {
+        writer->discard();
+        return fileError(input, QStringLiteral("no complete frame (model %1)").arg(source->model()));
+    }
+    if (!writer->end(error))
+        return fileError(target, QStringLiteral("cannot write: %1").arg(error));
     if (start > end)
-        printError(QStringLiteral("warning: start angle %1 is above end angle %2, no point was written")
-                       .arg(start)
-                       .arg(end));
-    if (parser.value(output) != QLatin1String("-"))
+        printError(
+            QStringLiteral("warning: start angle %1 is above end angle %2, no point was written").arg(start).arg(end));
+    if (target != QLatin1String("-"))
         printOut(QStringLiteral("%1: %2 frames, %3 points of model %4 written to %5")
-                     .arg(recording)
+                     .arg(input)
                      .arg(frames)
-                     .arg(points)
-                     .arg(stream.model(), parser.value(output)));
+                     .arg(writer->pointsWritten())
+                     .arg(source->model(), target));
     return Success;
 }
 

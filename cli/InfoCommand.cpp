@@ -1,9 +1,7 @@
-// scandeck-cli info: what a recording holds.
+// scandeck-cli info: what a recording or a capture holds.
 
 #include "CliSupport.h"
-#include "RecordFile.h"
-#include "RecordingCheck.h"
-#include "TernProtocol.h"
+#include "FrameSource.h"
 
 #include <QCommandLineParser>
 
@@ -11,42 +9,23 @@ namespace cli {
 namespace {
 
 const char* const kHelp =
-    "Usage: scandeck-cli info <recording>\n"
+    "Usage: scandeck-cli info <recording|capture> [--model <Name>] [--port <n>] [--firmware <n>]\n"
     "\n"
     "Prints the model of a recording, its number of packets, complete frames\n"
     "and points, and for models that stamp their packets with GPS time\n"
     "(Tern_P, Tern_GPS, Tern_Plus) the time of the first and last data packet.\n"
+    "For a tcpdump/Wireshark capture (pcap or pcapng) of the given model: its\n"
+    "format and link type, its packets, the UDP datagrams to the data port, the\n"
+    "complete frames and points they make, and the capture time of the first\n"
+    "and last datagram.\n"
     "\n"
-    "Exit status: 0 success, 1 the recording could not be read, 2 bad arguments.\n";
-
-// Where a data packet carries its calendar time: Tern_GPS packets at 90,
-// length-field packets 12 bytes before their end. -1: not a data packet.
-constexpr int kNoCalendar = -1;
-
-int calendarOffset(const QString& model, const QByteArray& packet)
-{
-    if (model == QLatin1String("Tern_GPS"))
-        return packet.size() == 102 ? 90 : kNoCalendar;
-    if (model == QLatin1String("Tern_P") || model == QLatin1String("Tern_Plus")) {
-        if (packet.size() >= 20 && lidar::tern::lengthFieldMatches(packet))
-            return packet.size() - 12;
-    }
-    return kNoCalendar;
-}
-
-bool hasGpsTime(const QString& model)
-{
-    return model == QLatin1String("Tern_GPS") || model == QLatin1String("Tern_P") ||
-           model == QLatin1String("Tern_Plus");
-}
-
-// The calendar time of a GPS-stamped data packet, as its text.
-QString packetTime(const QString& model, const QByteArray& packet)
-{
-    if (packet.isNull())
-        return QStringLiteral("none (no data packet)");
-    return lidar::tern::dateTimeText(lidar::tern::readCalendar(packet, calendarOffset(model, packet)));
-}
+    "Options:\n"
+    "  --model <Name>         the lidar model of a capture: %1\n"
+    "  --port <n>             a capture's data port (default 2368)\n"
+    "  --firmware <n>         a capture's Tern_P firmware version number\n"
+    "  -h, --help             show this help\n"
+    "\n"
+    "Exit status: 0 success, 1 the input could not be read, 2 bad arguments.\n";
 
 }  // namespace
 
@@ -54,53 +33,53 @@ int runInfo(const QStringList& arguments)
 {
     const QString command = QStringLiteral("info");
     QCommandLineParser parser;
-    parser.addPositionalArgument("recording", "Recorded data file.");
-    const int early = parseCommandLine(parser, command, arguments, QString::fromLatin1(kHelp));
+    const QCommandLineOption model("model", "Model of a capture.", "name");
+    const QCommandLineOption port("port", "Data port of a capture.", "port", "2368");
+    const QCommandLineOption firmware("firmware", "Tern_P firmware version number.", "number", "0");
+    parser.addOptions({model, port, firmware});
+    parser.addPositionalArgument("input", "Recording or capture.");
+    const int early = parseCommandLine(parser, command, arguments, QString::fromLatin1(kHelp).arg(modelList()));
     if (early >= 0)
         return early;
     const QStringList positional = parser.positionalArguments();
     if (positional.size() != 1)
         return usageError(command, positional.isEmpty() ? "no recording given" : "give exactly one recording");
+    SourceOptions options;
+    options.model = parser.value(model);
+    if (!toPort(parser.value(port), options.port))
+        return usageError(command, QStringLiteral("port '%1' is not a port number").arg(parser.value(port)));
+    bool versionOk = false;
+    options.versionNumber = parser.value(firmware).toUInt(&versionOk, 10);
+    if (!versionOk)
+        return usageError(command, QStringLiteral("firmware '%1' is not a version number").arg(parser.value(firmware)));
 
-    const QString recording = positional.first();
-    lidar::RecordingStream stream(recording);
-    QString problem;
-    if (!openRecording(stream, problem))
-        return fileError(recording, problem);
+    const QString input = positional.first();
+    QString error;
+    bool usage = false;
+    const std::unique_ptr<FrameSource> source = openFrameSource(input, options, error, usage);
+    if (!source)
+        return usage ? usageError(command, error) : (printError(error), int(Failure));
 
-    // One pass: the packets are looked at for their times as they are read,
-    // and the frames counted as they are decoded.
-    const QString model = stream.model();
-    QByteArray first, last;  // the first and last data packets with a calendar time
-    if (hasGpsTime(model)) {
-        stream.setPacketObserver([&](const QByteArray& packet) {
-            if (calendarOffset(model, packet) == kNoCalendar)
-                return;
-            if (first.isNull())
-                first = packet;
-            last = packet;
-        });
-    }
     qint64 frames = 0, points = 0;
-    const bool complete = stream.run([&](lidar::LidarDataPoint_V4& frame) {
-        ++frames;
-        points += qint64(frame.pointCount());
-        return true;
-    });
-    if (!complete)
-        return fileError(recording, damageText(stream));
+    if (!source->run(
+            [&](lidar::LidarDataPoint_V4& frame) {
+                ++frames;
+                points += qint64(frame.pointCount());
+                return true;
+            },
+            error))
+        return fileError(input, error);
 
-    printOut(QStringLiteral("file:              %1").arg(recording));
-    printOut(QStringLiteral("model:             %1").arg(model));
-    if (lidar::recordPrefixElements(model) > 0)
-        printOut(QStringLiteral("version number:    %1").arg(QString::fromLatin1(stream.versionElement())));
-    printOut(QStringLiteral("packets:           %1").arg(stream.packets()));
+    printOut(QStringLiteral("file:              %1").arg(input));
+    printOut(QStringLiteral("model:             %1").arg(source->model()));
+    for (const QString& line : source->details())
+        printOut(line);
     printOut(QStringLiteral("complete frames:   %1").arg(frames));
     printOut(QStringLiteral("points:            %1").arg(points));
-    if (hasGpsTime(model)) {
-        printOut(QStringLiteral("first packet time: %1").arg(packetTime(model, first)));
-        printOut(QStringLiteral("last packet time:  %1").arg(packetTime(model, last)));
-    }
+    for (const QString& line : source->times())
+        printOut(line);
+    for (const QString& warning : source->warnings())
+        printError(QStringLiteral("%1: warning: %2").arg(input, warning));
     return Success;
 }
 

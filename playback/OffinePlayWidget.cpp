@@ -1,5 +1,7 @@
 #include "OffinePlayWidget.h"
 
+#include "CaptureFrames.h"
+#include "CaptureModelDialog.h"
 #include "LIdarFactory.h"
 #include "RecordingOpener.h"
 #include "ui_OffinePlayWidget.h"
@@ -27,6 +29,7 @@ OffinePlayWidget::OffinePlayWidget(QWidget* parent) : QWidget(parent), ui(new Ui
     ui->setupUi(this);
     setMessageHook(nullptr);
     setOpenFileHook(nullptr);
+    setCaptureModelHook(nullptr);
     setControlsLoaded(false);
     ui->spinBox_progress->installEventFilter(this);
     connectControls();
@@ -55,6 +58,45 @@ void OffinePlayWidget::setOpenFileHook(OpenFileHook hook)
     openFileHook = [this](const QString& caption, const QString& directory, const QString& filter) {
         return QFileDialog::getOpenFileName(this, caption, directory, filter);
     };
+}
+
+void OffinePlayWidget::setCaptureModelHook(CaptureModelHook hook)
+{
+    if (hook) {
+        captureModelHook = std::move(hook);
+        return;
+    }
+    captureModelHook = [this](QString& model, quint16& port) {
+        CaptureModelDialog dialog(model, port, this);
+        if (dialog.exec() != QDialog::Accepted)
+            return false;
+        model = dialog.model();
+        port = dialog.port();
+        return true;
+    };
+}
+
+bool OffinePlayWidget::readCapture(const QString& path, QString& model, QVector<lidar::LidarDataPoint_V4>& captured)
+{
+    capture::CaptureOptions options;
+    CaptureModelDialog::lastChoice(options.model, options.port);
+    if (!captureModelHook(options.model, options.port))
+        return false;
+    CaptureModelDialog::rememberChoice(options.model, options.port);
+    capture::CaptureFramesResult result;
+    captured = capture::parseCaptureFile(path, options, &result);
+    if (!result.ok) {
+        inform(tr("information"), result.error);
+        return false;
+    }
+    if (captured.isEmpty()) {
+        inform(tr("information"), tr("Unable to parse this file"));
+        return false;
+    }
+    if (!result.warnings.isEmpty())
+        inform(tr("information"), result.warnings.join(QLatin1Char('\n')));
+    model = options.model;
+    return true;
 }
 
 void OffinePlayWidget::inform(const QString& title, const QString& text)
@@ -114,9 +156,17 @@ void OffinePlayWidget::openFile()
         inform(tr("information"), tr("Please disconnect first!"));
         return;
     }
-    const QString path = openFileHook(tr("Open File"), QDir::homePath() + "/", QStringLiteral("*.txt"));
+    const QString path =
+        openFileHook(tr("Open File"), QDir::homePath() + "/", QStringLiteral("*.txt *.pcap *.pcapng"));
     if (path.isEmpty())
         return;
+    if (capture::looksLikeCaptureFile(path)) {
+        QString model;
+        QVector<lidar::LidarDataPoint_V4> captured;
+        if (readCapture(path, model, captured))
+            loadFrames(model, captured);
+        return;
+    }
     const RecordingOpener::Result opened = RecordingOpener::open(this, path);
     if (opened.cancelled || opened.busy)
         return;  // the player stays as it was

@@ -1,8 +1,9 @@
 #pragma once
 // The offline player: the "offline" page of the main window. It opens a
-// recording, has the model registry parse it into frames and sends them one
-// by one, on a precise timer or step by step, through SendLidarDataSignal
-// into the same display slot that live frames reach.
+// recording (or a tcpdump/Wireshark capture of a lidar's stream), has it
+// parsed into frames and sends them one by one, on a precise timer or step
+// by step, through SendLidarDataSignal into the same display slot that live
+// frames reach.
 
 #include "LidarRecords.h"
 
@@ -30,6 +31,9 @@ public:
     // result means the user cancelled.
     using OpenFileHook = std::function<QString(const QString& caption, const QString& directory,
                                                const QString& filter)>;
+    // Asks which model sent a capture and to which data port, starting from
+    // the last choice; false when the user cancels.
+    using CaptureModelHook = std::function<bool(QString& model, quint16& port)>;
 
     explicit OffinePlayWidget(QWidget* parent = nullptr);
     ~OffinePlayWidget() override;
@@ -44,6 +48,12 @@ public:
     // Empty hooks restore the defaults (QMessageBox::information, QFileDialog).
     void setMessageHook(MessageHook hook);
     void setOpenFileHook(OpenFileHook hook);
+    void setCaptureModelHook(CaptureModelHook hook);
+
+    // Reads a tcpdump/Wireshark capture after asking for its model: the
+    // model's name and its frames. false when the user cancelled or nothing
+    // could be played (the user has been told why).
+    bool readCapture(const QString& path, QString& model, QVector<lidar::LidarDataPoint_V4>& captured);
 
     // Playback state, read by the main window and by tests.
     int currentPosition() const { return current; }
@@ -107,4 +117,5 @@ private:
 
     MessageHook messageHook;
     OpenFileHook openFileHook;
+    CaptureModelHook captureModelHook;
 };

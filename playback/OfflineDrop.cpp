@@ -10,7 +10,11 @@ bool isAcceptableDrag(const QMimeData* data)
     if (!data || !data->hasUrls())
         return false;
     const QList<QUrl> urls = data->urls();
-    return !urls.isEmpty() && urls.first().toString().right(3) == QLatin1String("txt");
+    if (urls.isEmpty())
+        return false;
+    const QString text = urls.first().toString();
+    return text.right(3) == QLatin1String("txt") || text.endsWith(QLatin1String(".pcap"), Qt::CaseInsensitive)
+           || text.endsWith(QLatin1String(".pcapng"), Qt::CaseInsensitive);
 }
 
 QString droppedFilePath(const QMimeData* data)

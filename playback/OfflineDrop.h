@@ -1,7 +1,7 @@
 #pragma once
-// Files dragged onto the 3D view are recordings to play offline. These two
-// functions decide whether a drag is worth accepting and which file a drop
-// names; the main window's event filter calls them.
+// Files dragged onto the 3D view are recordings or captures to play
+// offline. These two functions decide whether a drag is worth accepting and
+// which file a drop names; the main window's event filter calls them.
 
 #include <QString>
 
@@ -9,8 +9,9 @@ class QMimeData;
 
 namespace offline {
 
-// Accepts a drag that carries at least one URL whose text ends in "txt".
-// Only the first URL counts, as only the first is played.
+// Accepts a drag that carries at least one URL whose text ends in "txt"
+// (a recording), "pcap" or "pcapng" (a capture). Only the first URL counts,
+// as only the first is played.
 bool isAcceptableDrag(const QMimeData* data);
 
 // The local path of the first dropped URL ("file:///tmp/a%20b.txt" gives

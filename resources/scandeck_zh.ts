@@ -37,6 +37,87 @@
     </message>
 </context>
 <context>
+    <name>CaptureFile</name>
+    <message>
+        <location filename="../lidar/CaptureFile.cpp" line="+74"/>
+        <source>Cannot open %1: %2</source>
+        <translation>无法打开 %1：%2</translation>
+    </message>
+    <message>
+        <location line="+24"/>
+        <source>the capture</source>
+        <translation>抓包文件</translation>
+    </message>
+    <message>
+        <location line="+6"/>
+        <source>Cannot read %1 as a capture: %2</source>
+        <translation>无法将 %1 作为抓包文件读取：%2</translation>
+    </message>
+    <message>
+        <location line="+11"/>
+        <source>The link type %1 (%2) of %3 is not supported: only Ethernet, Linux cooked (SLL, SLL2), raw IP and BSD loopback captures can be read</source>
+        <translation>不支持 %3 的链路类型 %1（%2）：只能读取以太网、Linux cooked（SLL、SLL2）、原始 IP 和 BSD 回环的抓包文件</translation>
+    </message>
+    <message>
+        <location line="+48"/>
+        <source>The capture is damaged or cut short after %1 packets (%2); what came before is used</source>
+        <translation>抓包文件在第 %1 个数据包之后损坏或被截断（%2）；已使用之前的数据</translation>
+    </message>
+    <message>
+        <location line="+6"/>
+        <source>%1 datagrams were not captured whole (snapshot length too small) and were skipped</source>
+        <translation>%1 个数据报未被完整抓取（快照长度太小），已跳过</translation>
+    </message>
+    <message>
+        <location line="+4"/>
+        <source>%1 IP fragments never made a whole datagram and were skipped</source>
+        <translation>%1 个 IP 分片未能组成完整数据报，已跳过</translation>
+    </message>
+    <message>
+        <location line="+4"/>
+        <source>%1 packets with broken headers were skipped</source>
+        <translation>已跳过 %1 个报头损坏的数据包</translation>
+    </message>
+    <message>
+        <location line="+8"/>
+        <source>The capture holds no UDP datagram to port %1 (%2 packets read)</source>
+        <translation>抓包文件中没有发往端口 %1 的 UDP 数据报（已读取 %2 个数据包）</translation>
+    </message>
+    <message>
+        <location line="+7"/>
+        <source>; its UDP datagrams go to port %1</source>
+        <translation>；其中的 UDP 数据报发往端口 %1</translation>
+    </message>
+    <message>
+        <location filename="../lidar/CaptureFrames.cpp" line="+19"/>
+        <source>Unknown lidar model &quot;%1&quot;</source>
+        <translation>未知的雷达型号“%1”</translation>
+    </message>
+</context>
+<context>
+    <name>CaptureModelDialog</name>
+    <message>
+        <location filename="../playback/CaptureModelDialog.cpp" line="+22"/>
+        <source>Open a capture</source>
+        <translation>打开抓包文件</translation>
+    </message>
+    <message>
+        <location line="+12"/>
+        <source>A capture does not name its lidar. Which model sent this one, and to which port?</source>
+        <translation>抓包文件中没有雷达型号。这份数据来自哪个型号，发往哪个端口？</translation>
+    </message>
+    <message>
+        <location line="+4"/>
+        <source>Model:</source>
+        <translation>型号：</translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>Data port:</source>
+        <translation>数据端口：</translation>
+    </message>
+</context>
+<context>
     <name>DemoLidar</name>
     <message>
         <location filename="../app/DemoLidar.cpp" line="+52"/>
@@ -52,6 +133,176 @@
         <location line="+11"/>
         <source>No frame arrived from the simulated lidar</source>
         <translation>未收到模拟雷达的数据帧</translation>
+    </message>
+</context>
+<context>
+    <name>DeviceSettingsPanel</name>
+    <message>
+        <location filename="../device/DeviceSettingsPanel.cpp" line="+52"/>
+        <source>Normal filtering</source>
+        <translation>正常滤波</translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>No filtering</source>
+        <translation>不滤波</translation>
+    </message>
+    <message>
+        <location line="+2"/>
+        <source>Within three meters</source>
+        <translation>三米以内</translation>
+    </message>
+    <message>
+        <location line="+4"/>
+        <location line="+13"/>
+        <source>Cannot be set</source>
+        <translation>不可设置</translation>
+    </message>
+</context>
+<context>
+    <name>ExportDataDialog</name>
+    <message>
+        <location filename="../export/ExportDataDialog.ui" line="+14"/>
+        <source>Export Data</source>
+        <translation>导出数据</translation>
+    </message>
+    <message>
+        <location line="+8"/>
+        <source>Frames to save:</source>
+        <translation>保存帧数：</translation>
+    </message>
+    <message>
+        <location line="+7"/>
+        <source>The next frames shown are written, live or offline</source>
+        <translation>写入接下来显示的帧（实时或离线）</translation>
+    </message>
+    <message>
+        <location line="+13"/>
+        <source>Start angle:</source>
+        <translation>起始角度：</translation>
+    </message>
+    <message>
+        <location line="+7"/>
+        <location line="+17"/>
+        <source> °</source>
+        <translation> °</translation>
+    </message>
+    <message>
+        <location line="-7"/>
+        <source>End angle:</source>
+        <translation>结束角度：</translation>
+    </message>
+    <message>
+        <location line="+20"/>
+        <source>Save to:</source>
+        <translation>保存到：</translation>
+    </message>
+    <message>
+        <location line="+12"/>
+        <source>Browse...</source>
+        <translation>浏览...</translation>
+    </message>
+    <message>
+        <location filename="../export/ExportDataDialog.cpp" line="+34"/>
+        <source>Setting a save path</source>
+        <translation>设置保存路径</translation>
+    </message>
+    <message>
+        <location line="+14"/>
+        <source>critical</source>
+        <translation>错误</translation>
+    </message>
+    <message>
+        <location line="+0"/>
+        <source>The number of saves must be greater than zero</source>
+        <translation>保存帧数必须大于零</translation>
+    </message>
+</context>
+<context>
+    <name>GPSTest</name>
+    <message>
+        <location filename="../device/GPSTest.ui" line="+14"/>
+        <source>GPS Test</source>
+        <translation>GPS 测试</translation>
+    </message>
+    <message>
+        <location line="+8"/>
+        <source>Minimum（Millisecond）：</source>
+        <translation>最小值（毫秒）：</translation>
+    </message>
+    <message>
+        <location line="+14"/>
+        <source>Maximum（Millisecond）：</source>
+        <translation>最大值（毫秒）：</translation>
+    </message>
+    <message>
+        <location line="+14"/>
+        <source>Pause or resume the display</source>
+        <translation>暂停或继续显示</translation>
+    </message>
+    <message>
+        <location line="+21"/>
+        <source>Current frame time information</source>
+        <translation>当前帧时间信息</translation>
+    </message>
+    <message>
+        <location line="+6"/>
+        <location line="+135"/>
+        <source>Year：</source>
+        <translation>年：</translation>
+    </message>
+    <message>
+        <location line="-121"/>
+        <location line="+135"/>
+        <source>Month：</source>
+        <translation>月：</translation>
+    </message>
+    <message>
+        <location line="-121"/>
+        <location line="+135"/>
+        <source>Day：</source>
+        <translation>日：</translation>
+    </message>
+    <message>
+        <location line="-121"/>
+        <location line="+135"/>
+        <source>Hour：</source>
+        <translation>时：</translation>
+    </message>
+    <message>
+        <location line="-121"/>
+        <location line="+135"/>
+        <source>Minute：</source>
+        <translation>分：</translation>
+    </message>
+    <message>
+        <location line="-121"/>
+        <location line="+135"/>
+        <source>Second：</source>
+        <translation>秒：</translation>
+    </message>
+    <message>
+        <location line="-121"/>
+        <location line="+135"/>
+        <source>Millisecond：</source>
+        <translation>毫秒：</translation>
+    </message>
+    <message>
+        <location line="-121"/>
+        <location line="+135"/>
+        <source>Microsecond：</source>
+        <translation>微秒：</translation>
+    </message>
+    <message>
+        <location line="-121"/>
+        <location line="+135"/>
+        <source>Timestamp：</source>
+        <translation>时间戳：</translation>
+    </message>
+    <message>
+        <location line="-118"/>
+        <source>Last frame time information</source>
+        <translation>上一帧时间信息</translation>
     </message>
 </context>
 <context>
@@ -184,25 +435,29 @@
         <translation>导出 CSV</translation>
     </message>
     <message>
-        <location filename="../playback/OffinePlayWidget.cpp" line="+114"/>
-        <location line="+10"/>
+        <location filename="../playback/OffinePlayWidget.cpp" line="+89"/>
+        <location line="+4"/>
+        <location line="+4"/>
+        <location line="+59"/>
+        <location line="+18"/>
         <location line="+10"/>
         <location line="+136"/>
         <source>information</source>
         <translation>提示</translation>
     </message>
     <message>
-        <location line="-156"/>
+        <location line="-164"/>
         <source>Please disconnect first!</source>
         <translation>请先断开连接！</translation>
     </message>
     <message>
-        <location line="+3"/>
+        <location line="+4"/>
         <source>Open File</source>
         <translation>打开文件</translation>
     </message>
     <message>
-        <location line="+7"/>
+        <location line="-67"/>
+        <location line="+81"/>
         <location line="+10"/>
         <source>Unable to parse this file</source>
         <translation>无法解析该文件</translation>
@@ -350,7 +605,7 @@
 <context>
     <name>ScanDeck</name>
     <message>
-        <location filename="../app/ScanDeck.cpp" line="+323"/>
+        <location filename="../app/ScanDeck.cpp" line="+333"/>
         <source>restart</source>
         <translation>重启</translation>
     </message>
@@ -368,23 +623,25 @@
     </message>
     <message>
         <location filename="../app/ScanDeck.cpp" line="+10"/>
+        <location filename="../app/ScanDeckExport.cpp" line="+101"/>
         <source>File saved</source>
         <translation>文件已保存</translation>
     </message>
     <message>
         <location line="+0"/>
+        <location filename="../app/ScanDeckExport.cpp" line="+0"/>
         <source>File save path:%1</source>
         <translation>文件保存路径：%1</translation>
     </message>
     <message>
-        <location line="+7"/>
+        <location line="+8"/>
         <location line="+6"/>
-        <location line="+42"/>
+        <location line="+48"/>
         <source>question</source>
         <translation>询问</translation>
     </message>
     <message>
-        <location line="-47"/>
+        <location line="-53"/>
         <source>Data is being recorded. Do you want to save the data before exiting the program?</source>
         <translation>正在录制数据，退出程序前是否保存数据？</translation>
     </message>
@@ -394,7 +651,7 @@
         <translation>正在导出 CSV 数据，退出程序前是否保存数据？</translation>
     </message>
     <message>
-        <location line="+38"/>
+        <location line="+44"/>
         <location filename="../app/ScanDeckLive.cpp" line="-78"/>
         <location line="+13"/>
         <location line="+6"/>
@@ -462,6 +719,34 @@
         <location filename="../app/ScanDeckMeasure.cpp" line="+102"/>
         <source>Distance between two points:</source>
         <translation>两点间距离：</translation>
+    </message>
+    <message>
+        <location filename="../app/ScanDeckExport.cpp" line="-47"/>
+        <location line="+21"/>
+        <location line="+20"/>
+        <location line="+9"/>
+        <source>Export CSV</source>
+        <translation>导出 CSV</translation>
+    </message>
+    <message>
+        <location line="-44"/>
+        <source>File save failed!</source>
+        <translation>文件保存失败！</translation>
+    </message>
+    <message>
+        <location line="+4"/>
+        <source>Exporting data</source>
+        <translation>正在导出数据</translation>
+    </message>
+    <message>
+        <location line="+6"/>
+        <source>inquiry</source>
+        <translation>询问</translation>
+    </message>
+    <message>
+        <location line="+0"/>
+        <source>Do you want to cancel exporting CSV files?</source>
+        <translation>是否取消导出 CSV 文件？</translation>
     </message>
 </context>
 <context>
@@ -557,7 +842,7 @@
         <translation>电机状态：</translation>
     </message>
     <message>
-        <location line="+16"/>
+        <location line="+22"/>
         <source>Motor on or off</source>
         <translation>启动或停止电机</translation>
     </message>
@@ -950,6 +1235,78 @@
         <location line="+1"/>
         <source>Precision:</source>
         <translation>精度：</translation>
+    </message>
+</context>
+<context>
+    <name>ViewExportTools</name>
+    <message>
+        <location filename="../export/ViewExportTools.cpp" line="+66"/>
+        <source>Save view</source>
+        <translation>保存视图</translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>Save the view as a PNG picture (Ctrl+S)</source>
+        <translation>将视图保存为 PNG 图片（Ctrl+S）</translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>Export PCD</source>
+        <translation>导出 PCD</translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>Export PLY</source>
+        <translation>导出 PLY</translation>
+    </message>
+    <message>
+        <location line="+2"/>
+        <source>Export point cloud</source>
+        <translation>导出点云</translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>Save the current frame as a PCD or PLY point cloud</source>
+        <translation>将当前帧保存为 PCD 或 PLY 点云</translation>
+    </message>
+    <message>
+        <location line="+16"/>
+        <source>Setting a save path</source>
+        <translation>设置保存路径</translation>
+    </message>
+    <message>
+        <location line="+18"/>
+        <location line="+28"/>
+        <source>warning</source>
+        <translation>警告</translation>
+    </message>
+    <message>
+        <location line="-28"/>
+        <location line="+28"/>
+        <source>File save failed!</source>
+        <translation>文件保存失败！</translation>
+    </message>
+    <message>
+        <location line="-25"/>
+        <location line="+28"/>
+        <source>File saved</source>
+        <translation>文件已保存</translation>
+    </message>
+    <message>
+        <location line="-28"/>
+        <location line="+28"/>
+        <source>File save path:%1</source>
+        <translation>文件保存路径：%1</translation>
+    </message>
+    <message>
+        <location line="-21"/>
+        <source>information</source>
+        <translation>提示</translation>
+    </message>
+    <message>
+        <location line="+0"/>
+        <source>There is no frame to export</source>
+        <translation>没有可导出的帧</translation>
     </message>
 </context>
 </TS>

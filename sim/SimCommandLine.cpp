@@ -19,6 +19,7 @@ const char kDescription[] =
     "  scandeck-sim --model Tern_GPS --pty             prints the serial device path\n"
     "  scandeck-sim --model Tern_P --record rec.txt --revolutions 20\n"
     "  scandeck-sim --drop 0.01 --junk 0.01 --split    a damaged link\n"
+    "  scandeck-sim --model Tern_GPS --gps-gap 50      a late GPS time stamp every few seconds\n"
     "\n"
     "A status line goes to stderr every second; SIGINT or SIGTERM ends the run.";
 
@@ -140,6 +141,10 @@ ParseOutcome parseCommandLine(const QStringList& arguments, SimCommandLine* out,
                                   QStringLiteral("Send random bytes before each packet with probability p."),
                                   QStringLiteral("p"), QStringLiteral("0"));
     const QCommandLineOption split(QStringLiteral("split"), QStringLiteral("Cut packets across datagrams."));
+    const QCommandLineOption gpsGap(QStringLiteral("gps-gap"),
+                                    QStringLiteral("Every few seconds, stamp one revolution's first packet ms "
+                                                   "milliseconds late (GPS models; default 0, never)."),
+                                    QStringLiteral("ms"), QStringLiteral("0"));
     const QCommandLineOption seconds(QStringLiteral("seconds"),
                                      QStringLiteral("Stop after s seconds (default: run until interrupted)."),
                                      QStringLiteral("s"), QStringLiteral("0"));
@@ -151,7 +156,7 @@ ParseOutcome parseCommandLine(const QStringList& arguments, SimCommandLine* out,
                                          QStringLiteral("Revolutions to record (default 10)."), QStringLiteral("n"),
                                          QStringLiteral("10"));
     parser.addOptions({help, model, udp, commandPort, pty, rpm, fast, seed, filter, version, date, gpsStart, drop,
-                       corrupt, junk, split, seconds, record, revolutions});
+                       corrupt, junk, split, gpsGap, seconds, record, revolutions});
 
     if (!parser.parse(arguments)) {
         *message = parser.errorText();
@@ -215,6 +220,9 @@ ParseOutcome parseCommandLine(const QStringList& arguments, SimCommandLine* out,
         if (!parseProbability(parser.value(*p.option), p.value))
             return fail(QStringLiteral("--%1 wants a probability from 0 to 1").arg(p.option->names().first()));
     o.faults.split = parser.isSet(split);
+    o.gpsGapMs = parser.value(gpsGap).toDouble(&ok);
+    if (!ok || !(o.gpsGapMs >= 0.0 && o.gpsGapMs <= kMaxGpsGapMs))
+        return fail(QStringLiteral("--gps-gap wants milliseconds from 0 to %1").arg(kMaxGpsGapMs));
     c.seconds = parser.value(seconds).toDouble(&ok);
     if (!ok || c.seconds < 0.0)
         return fail(QStringLiteral("--seconds wants a non-negative number"));

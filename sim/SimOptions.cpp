@@ -35,6 +35,10 @@ QString validateOptions(const SimOptions& o)
             return QStringLiteral("fault probabilities must lie between 0 and 1");
     if (!o.firmware.date.isValid() || o.firmware.date.year() < 2000 || o.firmware.date.year() > 2127)
         return QStringLiteral("the firmware date must be a valid date from 2000 to 2127");
+    if (!(o.gpsGapMs >= 0.0 && o.gpsGapMs <= kMaxGpsGapMs))
+        return QStringLiteral("the GPS gap must lie between 0 and %1 ms").arg(kMaxGpsGapMs);
+    if (!(o.gpsGapEverySeconds > 0.0))
+        return QStringLiteral("GPS gaps need a period above 0 seconds");
     const int parts[] = {o.firmware.major, o.firmware.minor, o.firmware.patch};
     for (int v : parts)
         if (v < 0 || v > 127)

@@ -33,7 +33,14 @@ struct SimOptions {
     FaultOptions faults;
     // GPS time of the first packet in ms since the epoch (UTC); negative: now.
     qint64 gpsStartMs = -1;
+    // A GPS clock fault: every gpsGapEverySeconds the stamp of one
+    // revolution's first packet comes gpsGapMs late (0: never).
+    double gpsGapMs = 0.0;
+    double gpsGapEverySeconds = 3.0;
 };
+
+// The longest GPS gap the simulator injects: a minute.
+constexpr double kMaxGpsGapMs = 60000.0;
 
 // 127.0.0.0/8, ::1 or "localhost": the only places the simulator sends to.
 bool isLoopbackHost(const QString& host);

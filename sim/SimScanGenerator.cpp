@@ -11,6 +11,13 @@ ScanGenerator::ScanGenerator(Model model, uint64_t seed, qint64 startMicrosecond
 {
 }
 
+void ScanGenerator::setGpsGap(double gapMs, double everySeconds)
+{
+    gpsGapUs_ = gapMs * 1000.0;
+    gpsGapEveryUs_ = everySeconds * 1.0e6;
+    nextGpsGapAtUs_ = elapsedUs_ + gpsGapEveryUs_;
+}
+
 double ScanGenerator::packetIntervalUs(double rpm) const
 {
     return 60.0e6 / rpm / layout_.packetsPerRevolution;
@@ -18,6 +25,11 @@ double ScanGenerator::packetIntervalUs(double rpm) const
 
 PacketContent ScanGenerator::nextContent(const DeviceState& state)
 {
+    if (packetIndex_ == 0 && gpsGapUs_ > 0.0 && elapsedUs_ >= nextGpsGapAtUs_) {
+        elapsedUs_ += gpsGapUs_;
+        nextGpsGapAtUs_ = elapsedUs_ + gpsGapEveryUs_;
+        ++gpsGaps_;
+    }
     PacketContent c;
     c.startAzimuth = packetIndex_ * layout_.packetSpan;
     c.endAzimuth = c.startAzimuth + (layout_.groupsPerPacket - 1) * layout_.groupStep;

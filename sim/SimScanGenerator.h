@@ -30,6 +30,12 @@ public:
     double packetIntervalUs(double rpm) const;
     // Moves the GPS clock on without measuring (motor stopped, a skipped stretch).
     void advanceClock(double microseconds) { elapsedUs_ += microseconds; }
+    // From now on, once every `everySeconds` of GPS time, the clock jumps
+    // `gapMs` ahead just before a revolution's first packet, so that one pair
+    // of consecutive stamps lies that much further apart. 0 switches it off.
+    void setGpsGap(double gapMs, double everySeconds);
+    // GPS gaps injected so far.
+    qint64 gpsGaps() const { return gpsGaps_; }
 
     Model model() const { return model_; }
     const PacketLayout& layout() const { return layout_; }
@@ -52,6 +58,10 @@ private:
     double elapsedUs_ = 0.0;
     int packetIndex_ = 0;
     qint64 revolutions_ = 0;
+    double gpsGapUs_ = 0.0;
+    double gpsGapEveryUs_ = 0.0;
+    double nextGpsGapAtUs_ = 0.0;  // elapsed GPS time from which the next gap is due
+    qint64 gpsGaps_ = 0;
 };
 
 }  // namespace sim

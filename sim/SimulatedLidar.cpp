@@ -36,6 +36,8 @@ QString SimStats::toString() const
     s += QLatin1Char(')');
     if (dropped || corrupted || junk)
         s += QStringLiteral(", %1 dropped, %2 corrupted, %3 junk").arg(dropped).arg(corrupted).arg(junk);
+    if (gpsGaps)
+        s += QStringLiteral(", %1 GPS gaps").arg(gpsGaps);
     return s;
 }
 
@@ -48,6 +50,8 @@ SimulatedLidar::SimulatedLidar(const SimOptions& options, QObject* parent)
       faults_(options.faults, options.seed ^ 0x9E3779B97F4A7C15ull),
       state_(initialDeviceState(options.rpm, options.filter))
 {
+    if (options.gpsGapMs > 0.0)
+        generator_.setGpsGap(options.gpsGapMs, options.gpsGapEverySeconds);
 }
 
 SimulatedLidar::~SimulatedLidar()
@@ -66,6 +70,7 @@ SimStats SimulatedLidar::stats() const
     s.dropped = dropped_.load() + lineDrops_.load();
     s.corrupted = corrupted_.load();
     s.junk = junk_.load();
+    s.gpsGaps = gpsGaps_.load();
     return s;
 }
 
@@ -194,6 +199,7 @@ void SimulatedLidar::sendDataPacket()
     const QByteArray packet = generator_.nextPacket(deviceState());
     ++packets_;
     revolutions_ = quint64(generator_.revolutions());
+    gpsGaps_ = quint64(generator_.gpsGaps());
     for (const QByteArray& chunk : faults_.apply(packet))
         if (!link_->send(chunk))
             ++lineDrops_;

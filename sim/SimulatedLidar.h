@@ -33,6 +33,7 @@ struct SimStats {
     quint64 dropped = 0;      // packets lost on purpose or because the line was full
     quint64 corrupted = 0;
     quint64 junk = 0;
+    quint64 gpsGaps = 0;      // late GPS time stamps injected
 
     QString toString() const;
 };
@@ -91,7 +92,7 @@ private:
     std::atomic<bool> running_{false};
     std::atomic<quint16> commandPort_{0};
     std::atomic<quint64> packets_{0}, revolutions_{0}, commands_{0}, replies_{0}, ignored_{0};
-    std::atomic<quint64> lineDrops_{0}, dropped_{0}, corrupted_{0}, junk_{0};
+    std::atomic<quint64> lineDrops_{0}, dropped_{0}, corrupted_{0}, junk_{0}, gpsGaps_{0};
 };
 
 }  // namespace sim

@@ -1,7 +1,9 @@
 // The CSV format (number texts, rounding, line layout), then scandeck-cli
-// end to end: the built program run on recordings written here and on a
-// loopback lidar.
+// end to end: the built program run on recordings and captures written here
+// and on a loopback lidar, its PCD and PLY files read back by PCL.
 
+#include "CaptureBuilders.h"
+#include "CloudPoint.h"
 #include "CsvWriter.h"
 #include "LoopbackLidar.h"
 #include "NumberText.h"
@@ -9,6 +11,7 @@
 #include "PointRounding.h"
 #include "RecordFile.h"
 
+#include <QDirIterator>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QTimer>
@@ -16,6 +19,9 @@
 #include <cmath>
 #include <cstring>
 #include <random>
+
+#include <pcl/io/pcd_io.h>
+#include <pcl/io/ply_io.h>
 
 namespace {
 
@@ -54,6 +60,32 @@ QList<QByteArray> linesOf(const QString& path)
     return file.open(QIODevice::ReadOnly) ? file.readAll().trimmed().split('\n') : QList<QByteArray>();
 }
 
+// Every point of every PCD/PLY file under `path` (a file or a folder, files
+// in name order) as the CSV line the same point makes.
+template <typename PointT>
+QList<QByteArray> cloudLines(const QString& path, bool ply)
+{
+    QStringList files{path};
+    if (QFileInfo(path).isDir()) {
+        files.clear();
+        for (const QString& name : QDir(path).entryList(QDir::Files, QDir::Name))
+            files << QDir(path).filePath(name);
+    }
+    QList<QByteArray> lines;
+    for (const QString& file : files) {
+        pcl::PointCloud<PointT> cloud;
+        const std::string name = file.toStdString();
+        if ((ply ? pcl::io::loadPLYFile(name, cloud) : pcl::io::loadPCDFile(name, cloud)) != 0)
+            return {"unreadable " + file.toUtf8()};
+        for (const PointT& p : cloud.points) {
+            lidar::LidarPoint point{p.x, p.y, p.z, p.azimuth, int32_t(std::lround(p.distance * 1000.0)),
+                                    int32_t(p.intensity), int64_t(p.timestamp)};
+            lines << CsvWriter::pointLine(int(p.frame), p.id, point).trimmed();
+        }
+    }
+    return lines;
+}
+
 }  // namespace
 
 class CliTest : public QObject {
@@ -67,6 +99,10 @@ private slots:
     void csvLines();
     void convert_data();
     void convert();
+    void cloudFilesReadBackByPcl_data();
+    void cloudFilesReadBackByPcl();
+    void capturesConvertLikeRecordings_data();
+    void capturesConvertLikeRecordings();
     void badRecordingsFailWithOneLine_data();
     void badRecordingsFailWithOneLine();
     void usageErrors_data();
@@ -237,6 +273,87 @@ void CliTest::convert()
     }
 }
 
+void CliTest::cloudFilesReadBackByPcl_data()
+{
+    QTest::addColumn<QStringList>("options");
+    QTest::addColumn<QStringList>("range");
+    QTest::addColumn<int>("files");  // 0: one merged file
+    QTest::newRow("PCD, binary, a file per frame") << QStringList{"--format", "pcd"} << QStringList{} << 3;
+    QTest::newRow("PCD, ASCII, merged") << QStringList{"--format", "pcd", "--ascii", "--merge"} << QStringList{} << 0;
+    QTest::newRow("PLY, binary, merged") << QStringList{"--format", "ply", "--merge"} << QStringList{} << 0;
+    QTest::newRow("PLY, ASCII, a file per frame, 90 to 180")
+        << QStringList{"--format", "ply", "--ascii"} << QStringList{"--start-angle", "90", "--end-angle", "180"} << 3;
+}
+
+void CliTest::cloudFilesReadBackByPcl()
+{
+    pcl::console::setVerbosityLevel(pcl::console::L_ERROR);  // PCL's reader frowns on PCL's own camera element
+    QFETCH(QStringList, options);
+    QFETCH(QStringList, range);
+    QFETCH(int, files);
+    // GPS-stamped packets: every field has something to carry.
+    const QString file = write("gps.txt", recording("Tern_Plus", testing::revolutionPackets("Tern_Plus", 3)));
+    const QString csv = dir_.filePath("gps.csv");
+    QCOMPARE(runCli(QStringList{"convert", file, "-o", csv} + range).exitCode, 0);
+    const QString out = dir_.filePath(QString::fromLatin1(QTest::currentDataTag()));
+    const Run run = runCli(QStringList{"convert", file, "-o", out} + options + range);
+    QCOMPARE(run.exitCode, 0);
+    const bool ply = options.contains("ply");
+    QCOMPARE(QFileInfo(out).isDir(), files > 0);
+    if (files)
+        QCOMPARE(QDir(out).entryList(QDir::Files).size(), files);
+    const QList<QByteArray> lines = ply ? cloudLines<cloudfile::PlyPoint>(out, true)
+                                        : cloudLines<cloudfile::PcdPoint>(out, false);
+    QCOMPARE(lines, linesOf(csv).mid(1));
+    QVERIFY(lines.size() > 100 && !lines.first().endsWith(",-1"));  // real time stamps came through
+}
+
+void CliTest::capturesConvertLikeRecordings_data()
+{
+    QTest::addColumn<QString>("model");
+    QTest::addColumn<QStringList>("options");
+    QTest::newRow("Wren_Plus, pcapng") << "Wren_Plus" << QStringList{};
+    QTest::newRow("Tern_P, firmware given") << "Tern_P" << QStringList{"--firmware", "215"};
+}
+
+void CliTest::capturesConvertLikeRecordings()
+{
+    QFETCH(QString, model);
+    QFETCH(QStringList, options);
+    const QVector<QByteArray> packets = testing::revolutionPackets(model, 4);
+    QVector<QByteArray> elements = packets;
+    if (model == "Tern_P")
+        elements.prepend("215");
+    const QString recorded = write("rec.txt", recording(model.toLatin1(), elements));
+    QVector<QByteArray> frames;
+    for (const QByteArray& packet : packets)
+        frames << testing::ethernet(testing::udp4(2368, packet));
+    using testing::CaptureFormat;
+    const QString captured =
+        write("cap.pcapng", testing::captureFile(CaptureFormat::PcapNg, false, testing::kLinkEthernet, frames));
+
+    const QString fromRecording = dir_.filePath("rec.csv"), fromCapture = dir_.filePath("cap.csv");
+    QCOMPARE(runCli({"convert", recorded, "-o", fromRecording}).exitCode, 0);
+    QCOMPARE(runCli(QStringList{"convert", captured, "--model", model, "-o", fromCapture} + options).exitCode, 0);
+    QCOMPARE(linesOf(fromCapture), linesOf(fromRecording));
+
+    const Run info = runCli(QStringList{"info", captured, "--model", model} + options);
+    QCOMPARE(info.exitCode, 0);
+    for (const char* line : {"capture format:    pcapng\n", "link type:         EN10MB\n",
+                             "datagrams:         97 to port 2368\n", "complete frames:   4\n",
+                             "first datagram:    2024-05-20 12:00:00.000 UTC\n"})
+        QVERIFY2(info.out.contains(line), info.out.constData());
+
+    // A capture names no model; another port holds nothing.
+    const Run noModel = runCli({"info", captured});
+    QCOMPARE(noModel.exitCode, 2);
+    QVERIFY2(noModel.err.contains("give --model"), noModel.err.constData());
+    const Run otherPort = runCli({"convert", captured, "--model", model, "--port", "2370", "-o", fromCapture});
+    QCOMPARE(otherPort.exitCode, 1);
+    QVERIFY2(otherPort.err.contains("no UDP datagram to port 2370") && otherPort.err.count('\n') == 1,
+             otherPort.err.constData());
+}
+
 void CliTest::badRecordingsFailWithOneLine_data()
 {
     QTest::addColumn<QByteArray>("content");
@@ -274,6 +391,8 @@ void CliTest::usageErrors_data()
     QTest::addColumn<QStringList>("arguments");
     QTest::newRow("unknown command") << QStringList{"explode"};
     QTest::newRow("convert without output") << QStringList{"convert", "x.txt"};
+    QTest::newRow("convert to an unknown format") << QStringList{"convert", "x.txt", "-o", "x", "--format", "las"};
+    QTest::newRow("PCD to standard output") << QStringList{"convert", "x.txt", "-o", "-", "--format", "pcd"};
     QTest::newRow("listen, both links") << QStringList{"listen",         "--model",  "Tern",     "--udp",
                                                        "127.0.0.1:2368", "--serial", "/dev/null"};
 }

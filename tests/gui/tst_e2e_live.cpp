@@ -1,7 +1,8 @@
 // The main window against a simulated lidar: each model over UDP and each
-// family over a pseudo-terminal, pausing while recording, the recording
-// played back against what was shown live, the automatic connection
-// (failed, cancelled, found), and the demo mode in the window and as the program itself.
+// family over a pseudo-terminal, with the device panel its settings give it,
+// pausing while recording, the recording played back against what was shown
+// live, the automatic connection (failed, cancelled, found), and the demo
+// mode in the window and as the program itself.
 
 #include "AutoConnector.h"
 #include "DemoLidar.h"
@@ -60,10 +61,20 @@ void LiveEndToEndTest::connectRecordDisconnect_data()
 {
     QTest::addColumn<QString>("model");
     QTest::addColumn<bool>("serial");
-    for (const char* model : {"Tern", "Tern_P", "Tern_GPS", "Tern_Plus", "Wren_Plus", "Wren_Kite"})
-        QTest::newRow(model) << QString::fromLatin1(model) << false;
-    QTest::newRow("Tern_GPS serial") << QStringLiteral("Tern_GPS") << true;
-    QTest::newRow("Wren_Kite serial") << QStringLiteral("Wren_Kite") << true;
+    QTest::addColumn<QString>("panel");  // the device panel the shipped settings give it
+    // The simulator runs with normal filtering at 10 revolutions a second.
+    const QString ternFilter = " motor+ filter+[Normal filtering|No filtering|Within three meters]@Normal filtering ";
+    const QString fixed = "frequency-[Cannot be set]@Cannot be set";
+    const QString speeds = "frequency+[5|6|7|8|9|10|11|12|13|14|15]@10";
+    const QString wren = "gps- motor+ filter+[Normal filtering|No filtering]@Normal filtering " + speeds;
+    QTest::newRow("Tern") << "Tern" << false << "gps-" + ternFilter + fixed;
+    QTest::newRow("Tern_P") << "Tern_P" << false << "gps+" + ternFilter + fixed;
+    QTest::newRow("Tern_GPS") << "Tern_GPS" << false << "gps+" + ternFilter + fixed;
+    QTest::newRow("Tern_Plus") << "Tern_Plus" << false << "gps+" + ternFilter + speeds;
+    QTest::newRow("Wren_Plus") << "Wren_Plus" << false << wren;
+    QTest::newRow("Wren_Kite") << "Wren_Kite" << false << wren;
+    QTest::newRow("Tern_GPS serial") << "Tern_GPS" << true << "gps+" + ternFilter + fixed;
+    QTest::newRow("Wren_Kite serial") << "Wren_Kite" << true << wren;
 }
 
 // One connection as a user clicks through it; over UDP it records, and the
@@ -72,8 +83,10 @@ void LiveEndToEndTest::connectRecordDisconnect()
 {
     QFETCH(QString, model);
     QFETCH(bool, serial);
+    QFETCH(QString, panel);
     const bool pause = model == QStringLiteral("Tern");
     ScratchWorkingDir dir;
+    useShippedSettings();
     MessageRecorder messages;
     QTemporaryDir files;
     SimulatedLidarRig lidar;
@@ -87,7 +100,8 @@ void LiveEndToEndTest::connectRecordDisconnect()
 
     QVERIFY(connectWindow(*w, model, lidar, serial));
     QCOMPARE(w->windowTitle(), model);
-    QCOMPARE(liveControlStates(w), kConnectedControls);
+    QCOMPARE(liveControlStates(w).section(' ', 0, 5), kConnectedControls.section(' ', 0, 5));
+    QCOMPARE(devicePanelState(w), panel);
     QCOMPARE(w->session()->GetConnectionType(), int(serial ? lidar::SerialPortConnection : lidar::NetworkConnection));
     FrameCollector live(w->session().get());
     QVERIFY(waitFor([&] { return live.frames.size() >= 2 && w->frameCloud().size() > 300; }));

@@ -13,6 +13,7 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QComboBox>
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
@@ -178,17 +179,42 @@ inline QString liveControlStates(QWidget* window)
 inline const QString kStartControls = QStringLiteral(
     "btn_auto_connect+ btn_connect+ btn_disconnect- btn_save_data- btn_play_pause- btn_export_csv- "
     "btn_motor_state- comboBox_motor_filter- comboBox_motor_frequency-");
+// Connected to a model that has no group in the settings file: every device
+// key reads as empty, which leaves only the frequency box enabled.
 inline const QString kConnectedControls = QStringLiteral(
     "btn_auto_connect- btn_connect- btn_disconnect+ btn_save_data+ btn_play_pause+ btn_export_csv+ "
-    "btn_motor_state+ comboBox_motor_filter+ comboBox_motor_frequency+");
+    "btn_motor_state- comboBox_motor_filter- comboBox_motor_frequency+");
+
+// The settings file the program ships, in place of the scratch one.
+inline void useShippedSettings()
+{
+    QFile::remove(QStringLiteral("ini/connect_type.ini"));
+    QFile::copy(QStringLiteral(SCANDECK_SHIPPED_INI), QStringLiteral("ini/connect_type.ini"));
+    QFile(QStringLiteral("ini/connect_type.ini")).setPermissions(QFile::ReadOwner | QFile::WriteOwner);
+}
+
+// The device panel as "gps± motor± filter±[items]@index frequency±[items]@text".
+inline QString devicePanelState(QWidget* window)
+{
+    const auto sign = [](const QWidget* w) { return QString(w && w->isEnabled() ? "+" : "-"); };
+    const auto box = [&](const char* name) {
+        auto* combo = control<QComboBox>(window, name);
+        QStringList items;
+        for (int i = 0; combo && i < combo->count(); ++i)
+            items << combo->itemText(i);
+        return sign(combo) + "[" + items.join('|') + "]@" + (combo ? combo->currentText() : QString());
+    };
+    return "gps" + sign(control(window, "btn_GPS_test")) + " motor" + sign(control(window, "btn_motor_state"))
+           + " filter" + box("comboBox_motor_filter") + " frequency" + box("comboBox_motor_frequency");
+}
 
 // A simulated lidar over loopback UDP or a pseudo-terminal.
 class SimulatedLidarRig {
 public:
     ~SimulatedLidarRig() { m_thread.stop(); }
-    bool start(const QString& modelName, sim::Transport transport)
+    // `options` gives everything but the model and the link.
+    bool start(const QString& modelName, sim::Transport transport, sim::SimOptions options = sim::SimOptions())
     {
-        sim::SimOptions options;
         if (!sim::modelFromName(modelName, &options.model))
             return false;
         options.transport = transport;
@@ -207,6 +233,8 @@ public:
     }
     NetworkParam network;
     SerialPortParam serial;
+    // What the simulated device is set to (motor, filter, rotation rate).
+    sim::DeviceState deviceState() const { return m_thread.engine()->deviceState(); }
 
 private:
     sim::SimulationThread m_thread;

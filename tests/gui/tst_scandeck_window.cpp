@@ -137,6 +137,11 @@ void ScanDeckWindowTest::roundingTableAndRange()
     control<QSpinBox>(w.get(), "spinBox_precision")->setValue(0);
     w->showFrame(ringFrame(50));
     QCOMPARE(tableColumn(model, 2), (QStringList{"0", "7", "14", "22", "29"}));  // 7.2 degrees apart
+    // "All Data" partly checked keeps the spin box's rows but locks the spin box.
+    control<QCheckBox>(w.get(), "checkBox_all_data")->setCheckState(Qt::PartiallyChecked);
+    w->showFrame(ringFrame(50));
+    QCOMPARE(model->rowCount(), 5);
+    QVERIFY(!control<QSpinBox>(w.get(), "spinBox_rows")->isEnabled());
 
     // An empty frame empties the view and leaves the table.
     w->showFrame(Frame());

@@ -1,0 +1,175 @@
+#include "FrameSource.h"
+
+#include "CaptureFrames.h"
+#include "LIdarFactory.h"
+#include "RecordFile.h"
+#include "RecordingCheck.h"
+#include "RecordingStream.h"
+#include "TernProtocol.h"
+
+#include <QDateTime>
+
+namespace cli {
+namespace {
+
+QString knownModels()
+{
+    return LIdarFactory::GetInstance()->ModelNames().join(QStringLiteral(", "));
+}
+
+// A recording is read once, front to back in pieces, and decoded frame by
+// frame; what 'info' tells about its packets is gathered on the same pass.
+class RecordingSource : public FrameSource {
+public:
+    explicit RecordingSource(std::unique_ptr<lidar::RecordingStream> stream) : stream_(std::move(stream)) {}
+
+    QString model() const override { return stream_->model(); }
+
+    bool run(const FrameSink& sink, QString& error) override
+    {
+        if (hasGpsTime()) {
+            stream_->setPacketObserver([this](const QByteArray& packet) {
+                if (calendarOffset(packet) < 0)
+                    return;
+                if (first_.isNull())
+                    first_ = packet;
+                last_ = packet;
+            });
+        }
+        if (stream_->run(sink) || stream_->problem() != lidar::RecordingStream::Problem::Damaged)
+            return true;  // complete, or the sink stopped it
+        error = damageText(*stream_);
+        return false;
+    }
+
+    QStringList details() const override
+    {
+        QStringList lines;
+        if (lidar::recordPrefixElements(model()) > 0)
+            lines << QStringLiteral("version number:    %1").arg(QString::fromLatin1(stream_->versionElement()));
+        lines << QStringLiteral("packets:           %1").arg(stream_->packets());
+        return lines;
+    }
+
+    QStringList times() const override
+    {
+        if (!hasGpsTime())
+            return {};
+        return {QStringLiteral("first packet time: %1").arg(packetTime(first_)),
+                QStringLiteral("last packet time:  %1").arg(packetTime(last_))};
+    }
+
+private:
+    bool hasGpsTime() const
+    {
+        return model() == QLatin1String("Tern_GPS") || model() == QLatin1String("Tern_P")
+               || model() == QLatin1String("Tern_Plus");
+    }
+
+    // Where a data packet carries its calendar time: Tern_GPS packets at 90,
+    // length-field packets 12 bytes before their end; -1: not a data packet.
+    int calendarOffset(const QByteArray& packet) const
+    {
+        if (model() == QLatin1String("Tern_GPS"))
+            return packet.size() == 102 ? 90 : -1;
+        if (packet.size() >= 20 && lidar::tern::lengthFieldMatches(packet))
+            return packet.size() - 12;
+        return -1;
+    }
+
+    QString packetTime(const QByteArray& packet) const
+    {
+        if (packet.isNull())
+            return QStringLiteral("none (no data packet)");
+        return lidar::tern::dateTimeText(lidar::tern::readCalendar(packet, calendarOffset(packet)));
+    }
+
+    std::unique_ptr<lidar::RecordingStream> stream_;
+    QByteArray first_, last_;  // the first and last data packets with a calendar time
+};
+
+class CaptureSource : public FrameSource {
+public:
+    CaptureSource(QString path, const SourceOptions& options) : path_(std::move(path))
+    {
+        options_.model = options.model;
+        options_.port = options.port;
+        options_.versionNumber = options.versionNumber;
+    }
+
+    QString model() const override { return options_.model; }
+
+    bool run(const FrameSink& sink, QString& error) override
+    {
+        result_ = capture::readCaptureFrames(path_, options_, sink);
+        if (!result_.ok)
+            error = result_.error;
+        return result_.ok;
+    }
+
+    QStringList details() const override
+    {
+        const capture::CaptureSummary& s = result_.summary;
+        return {QStringLiteral("capture format:    %1").arg(s.format),
+                QStringLiteral("link type:         %1").arg(s.linkName),
+                QStringLiteral("capture packets:   %1").arg(s.packets),
+                QStringLiteral("datagrams:         %1 to port %2").arg(s.counts.datagrams).arg(options_.port),
+                QStringLiteral("from fragments:    %1").arg(s.counts.reassembled),
+                QStringLiteral("other traffic:     %1").arg(s.counts.otherTraffic)};
+    }
+
+    QStringList times() const override
+    {
+        const auto time = [](qint64 ns) {
+            if (ns < 0)
+                return QStringLiteral("none");
+            return QDateTime::fromMSecsSinceEpoch(ns / 1000000, Qt::UTC)
+                .toString(QStringLiteral("yyyy-MM-dd hh:mm:ss.zzz 'UTC'"));
+        };
+        return {QStringLiteral("first datagram:    %1").arg(time(result_.summary.firstDatagramNs)),
+                QStringLiteral("last datagram:     %1").arg(time(result_.summary.lastDatagramNs))};
+    }
+
+    QStringList warnings() const override { return result_.warnings; }
+
+private:
+    QString path_;
+    capture::CaptureOptions options_;
+    capture::CaptureFramesResult result_;
+};
+
+}  // namespace
+
+std::unique_ptr<FrameSource> openFrameSource(const QString& path, const SourceOptions& options, QString& error,
+                                             bool& usage)
+{
+    usage = false;
+    const bool knownModel = LIdarFactory::GetInstance()->parseMap.contains(options.model);
+    if (capture::looksLikeCaptureFile(path)) {
+        if (options.model.isEmpty()) {
+            usage = true;
+            error = QStringLiteral("%1 is a capture, which does not name its lidar: give --model <Name> (%2)")
+                        .arg(path, knownModels());
+            return nullptr;
+        }
+        if (!knownModel) {
+            usage = true;
+            error = QStringLiteral("unknown model '%1' (known: %2)").arg(options.model, knownModels());
+            return nullptr;
+        }
+        return std::make_unique<CaptureSource>(path, options);
+    }
+    auto stream = std::make_unique<lidar::RecordingStream>(path);
+    QString problem;
+    if (!openRecording(*stream, problem)) {
+        error = QStringLiteral("%1: %2").arg(path, problem);
+        return nullptr;
+    }
+    if (!options.model.isEmpty() && options.model != stream->model()) {
+        error = QStringLiteral("%1: the recording is of model %2, not %3").arg(path, stream->model(), options.model);
+        return nullptr;
+    }
+    return std::make_unique<RecordingSource>(std::move(stream));
+}
+
+}  // namespace cli

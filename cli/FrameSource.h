@@ -1,0 +1,43 @@
+#pragma once
+// Where the frames of 'convert' and 'info' come from: a recording made by
+// the viewer or by 'listen --record', or a tcpdump/Wireshark capture played
+// through a model's live stream cutting. Frames come out one at a time.
+
+#include "LidarRecords.h"
+
+#include <QString>
+#include <QStringList>
+#include <functional>
+#include <memory>
+
+namespace cli {
+
+struct SourceOptions {
+    QString model;             // required for captures, checked for recordings
+    quint16 port = 2368;       // a capture's data port
+    uint32_t versionNumber = 0;  // firmware version number for a capture's Tern_P packets
+};
+
+class FrameSource {
+public:
+    using FrameSink = std::function<bool(lidar::LidarDataPoint_V4& frame)>;  // false stops
+
+    virtual ~FrameSource() = default;
+    virtual QString model() const = 0;
+    // Every complete frame in order. false with `error` when the input turns
+    // out unusable (the sink may already have had frames then).
+    virtual bool run(const FrameSink& sink, QString& error) = 0;
+    // "name: value" lines about the input for 'info', once run() has run:
+    // what it holds, then the time it spans.
+    virtual QStringList details() const = 0;
+    virtual QStringList times() const = 0;
+    // What was skipped on the way, once run() has run.
+    virtual QStringList warnings() const { return {}; }
+};
+
+// Null with `error` set when the file cannot be used. `usage` tells whether
+// the fault lies with the arguments (a capture without --model).
+std::unique_ptr<FrameSource> openFrameSource(const QString& path, const SourceOptions& options, QString& error,
+                                             bool& usage);
+
+}  // namespace cli

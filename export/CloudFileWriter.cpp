@@ -1,0 +1,166 @@
+#include "CloudFileWriter.h"
+
+#include "CloudPoint.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+#include <pcl/io/pcd_io.h>
+#include <pcl/io/ply_io.h>
+
+#include <fstream>
+
+namespace cloudfile {
+namespace {
+
+// Enough digits for every float to read back as itself.
+constexpr int kFloatDigits = 9;
+// PLY's timestamp is a double: its millisecond counts need more.
+constexpr int kDoubleDigits = 17;
+
+std::string localPath(const QString& path)
+{
+    return QFile::encodeName(path).toStdString();
+}
+
+template <typename PointT>
+class CloudWriter : public FrameWriter {
+public:
+    explicit CloudWriter(Options options) : options_(std::move(options)) {}
+    ~CloudWriter() override { removePart(); }
+
+    bool begin(QString& error) override
+    {
+        if (options_.merge || QDir().mkpath(options_.output))
+            return true;
+        error = QStringLiteral("cannot create the folder");
+        return false;
+    }
+
+    bool frame(int number, const lidar::LidarDataPoint_V4& frame, QString& error) override
+    {
+        if (!options_.merge)
+            cloud_.clear();
+        append(number, frame);
+        if (options_.merge)
+            return true;
+        return save(QDir(options_.output).filePath(frameFileName(options_.format, number)), error);
+    }
+
+    bool end(QString& error) override
+    {
+        if (!options_.merge)
+            return true;
+        // Written under a temporary name: the file appears only complete.
+        part_ = options_.output + QStringLiteral(".part");
+        if (!save(part_, error))
+            return false;
+        QFile::remove(options_.output);
+        if (!QFile::rename(part_, options_.output)) {
+            error = QStringLiteral("cannot rename %1 to %2").arg(part_, options_.output);
+            return false;
+        }
+        part_.clear();
+        return true;
+    }
+
+    void discard() override
+    {
+        removePart();
+        cloud_.clear();
+    }
+
+private:
+    void append(int number, const lidar::LidarDataPoint_V4& frame)
+    {
+        for (auto line = frame.points.cbegin(); line != frame.points.cend(); ++line) {
+            for (const lidar::LidarPoint& p : line.value()) {
+                if (!inRange(p.azimuth))
+                    continue;
+                PointT q;
+                q.x = p.x;
+                q.y = p.y;
+                q.z = p.z;
+                q.data[3] = 1.0f;
+                q.intensity = float(p.intensity);
+                q.azimuth = p.azimuth;
+                q.distance = float(p.distance / 1000.0);
+                q.timestamp = decltype(q.timestamp)(p.timestamp);
+                q.frame = std::uint32_t(number);
+                q.id = line.key();
+                cloud_.push_back(q);
+                ++points_;
+            }
+        }
+    }
+
+    bool save(const QString& path, QString& error)
+    {
+        const std::string file = localPath(path);
+        int result = -1;
+        try {
+            result = options_.format == Format::Pcd ? savePcd(file) : savePly(file);
+        } catch (const std::exception& e) {
+            error = QString::fromLocal8Bit(e.what());
+        }
+        if (result != 0 && error.isEmpty())
+            error = QStringLiteral("PCL could not write %1").arg(path);
+        return result == 0;
+    }
+
+    int savePcd(const std::string& file)
+    {
+        pcl::PCDWriter writer;
+        if (cloud_.empty()) {
+            // PCL refuses to write no points; a header saying so is a valid file.
+            std::ofstream out(file, std::ios::binary | std::ios::trunc);
+            out << writer.generateHeader(cloud_) << (options_.ascii ? "DATA ascii\n" : "DATA binary\n");
+            return out.good() ? 0 : -1;
+        }
+        return options_.ascii ? writer.writeASCII(file, cloud_, kFloatDigits) : writer.writeBinary(file, cloud_);
+    }
+
+    int savePly(const std::string& file)
+    {
+        pcl::PCLPointCloud2 blob;
+        pcl::toPCLPointCloud2(cloud_, blob);
+        pcl::PLYWriter writer;
+        const Eigen::Vector4f origin = Eigen::Vector4f::Zero();
+        const Eigen::Quaternionf orientation = Eigen::Quaternionf::Identity();
+        return options_.ascii ? writer.writeASCII(file, blob, origin, orientation, kDoubleDigits, true)
+                              : writer.writeBinary(file, blob, origin, orientation, true);
+    }
+
+    void removePart()
+    {
+        if (!part_.isEmpty())
+            QFile::remove(part_);
+        part_.clear();
+    }
+
+    Options options_;
+    pcl::PointCloud<PointT> cloud_;
+    QString part_;
+};
+
+}  // namespace
+
+QString suffix(Format format)
+{
+    return format == Format::Pcd ? QStringLiteral("pcd") : QStringLiteral("ply");
+}
+
+QString frameFileName(Format format, int number)
+{
+    return QStringLiteral("frame_%1.%2").arg(number, 6, 10, QLatin1Char('0')).arg(suffix(format));
+}
+
+std::unique_ptr<FrameWriter> makeWriter(const Options& options)
+{
+    if (options.format == Format::Pcd)
+        return std::make_unique<CloudWriter<PcdPoint>>(options);
+    return std::make_unique<CloudWriter<PlyPoint>>(options);
+}
+
+}  // namespace cloudfile

@@ -1,0 +1,57 @@
+#pragma once
+// The viewer's CSV export: the next N frames that are shown, live or
+// offline, go to one file through the same CsvWriter as 'scandeck-cli
+// convert', so both write the same bytes for the same frames. The end is
+// noticed when the frame after the last one arrives; that frame is not
+// written.
+
+#include "CsvWriter.h"
+#include "LidarRecords.h"
+
+#include <QFile>
+#include <QString>
+#include <functional>
+#include <memory>
+
+class CsvExport {
+public:
+    enum class Step { Written, Finished };
+
+    CsvExport();
+    // A file still open is flushed and closed, and kept.
+    ~CsvExport();
+
+    // Opens the file (truncating it) and writes the header. false when it
+    // cannot be opened: the export runs all the same and writes nothing.
+    bool start(const QString& path, int frameLimit, float startAngle, float endAngle);
+
+    bool isActive() const { return active_; }
+    // The window switches the export off while it asks whether to cancel.
+    void setActive(bool active) { active_ = active; }
+
+    // One frame shown: counted, then written line by line (`lineWritten`
+    // gets frames written / frame limit after each line) or, once the
+    // count passes the limit, not written: the export ends, file closed.
+    Step frameShown(const lidar::LidarDataPoint_V4& frame, const std::function<void(float progress)>& lineWritten);
+
+    // Ends the export and keeps what was written (the window is closing).
+    void finish();
+    // Ends the export and removes the file.
+    void cancel();
+
+    QString path() const { return path_; }
+    int framesWritten() const { return framesWritten_; }
+    int frameLimit() const { return frameLimit_; }
+
+private:
+    void close();
+
+    QFile file_;
+    std::unique_ptr<CsvWriter> writer_;
+    bool active_ = false;
+    int framesWritten_ = 0;
+    int frameLimit_ = 0;
+    float startAngle_ = 0.0f;
+    float endAngle_ = 360.0f;
+    QString path_;
+};
