@@ -4,6 +4,7 @@
 // tests/fuzz/corpus; after changing a target's input layout, run
 //   build-fuzz/fuzz/scandeck-fuzz-seeds tests/fuzz/corpus
 
+#include "CaptureBuilders.h"
 #include "PacketBuilders.h"
 #include "RecordFile.h"
 
@@ -102,6 +103,15 @@ QByteArray recordInput(const QByteArray& file, int piece)
     return file + tail.bytes();
 }
 
+// The capture target: a capture of `model`'s stream.
+QByteArray captureInput(const QByteArray& capture, int model)
+{
+    Tail tail;
+    tail.add(unsigned(model), 1);
+    tail.add(1, 1);  // firmware 215 for Tern_P
+    return capture + tail.bytes();
+}
+
 bool write(const QDir& dir, const QString& target, const QString& name, const QByteArray& bytes)
 {
     if (!dir.mkpath(target))
@@ -120,7 +130,8 @@ int main(int argc, char* argv[])
     }
     const QDir dir(QString::fromLocal8Bit(argv[1]));
     bool ok = true;
-    for (const QString& model : kModels) {
+    for (int m = 0; m < kModels.size(); ++m) {
+        const QString& model = kModels[m];
         const QVector<QByteArray> packets = closingPackets(model);
         const QVector<QByteArray> prefix = lidar::recordPrefixElements(model) ? QVector<QByteArray>{"215"}
                                                                                : QVector<QByteArray>{};
@@ -141,6 +152,39 @@ int main(int argc, char* argv[])
 
         const QByteArray file = recordingOf(QVector<QByteArray>{model.toLatin1()} + prefix + packets.mid(0, 3));
         ok = write(dir, "record_file", model, recordInput(file, 100)) && ok;
+
+        // The stream in datagrams of a packet each, one capture per model in
+        // a different format and link type, one with a reply and other
+        // traffic, one with a datagram in IP fragments.
+        QVector<QByteArray> frames;
+        for (int i = 0; i < packets.size(); ++i) {
+            const QByteArray datagram = i == 2 ? replyOf(model) + packets[i] : packets[i];
+            switch (m) {
+            case 0:
+                frames << ethernet(udp4(2368, datagram));
+                break;
+            case 1:
+                frames << linuxSll2(udp6(2368, datagram));
+                break;
+            case 2:
+                frames << ethernet(udp4(2368, datagram), {0x8100}) << ethernet(udp4(2369, "other"));
+                break;
+            case 3:
+                frames << (i == 1 ? ipv4Fragments(udp4(2368, datagram, 9), 48) : QVector<QByteArray>{udp4(2368, datagram)});
+                break;
+            case 4:
+                frames << linuxSll(udp4(2368, datagram)) << linuxSll(tcp4(2368, "tcp"));
+                break;
+            default:
+                frames << bsdLoopback(udp6(2368, datagram), true);
+            }
+        }
+        const CaptureFormat formats[] = {CaptureFormat::PcapMicroseconds, CaptureFormat::PcapNg,
+                                         CaptureFormat::PcapNanoseconds, CaptureFormat::PcapMicroseconds,
+                                         CaptureFormat::PcapNg, CaptureFormat::PcapMicroseconds};
+        const int links[] = {kLinkEthernet, kLinkLinuxSll2, kLinkEthernet, kLinkRaw, kLinkLinuxSll, kLinkLoop};
+        const QByteArray capture = captureFile(formats[m], m % 2 == 1, links[m], frames);
+        ok = write(dir, "capture", model, captureInput(capture, m)) && ok;
     }
     const QByteArray file = recordingOf(QVector<QByteArray>{"Tern", QByteArray(), ""} + closingPackets("Tern"));
     ok = write(dir, "record_file", "truncated", recordInput(file.left(file.size() - 40), 7)) && ok;
