@@ -20,6 +20,7 @@
 #include "RecordingRefusal.h"
 #include "PointTableRow.h"
 #include "RangingMarks.h"
+#include "RecordingOpener.h"
 #include "StatusReadouts.h"
 #include "RecentFolder.h"
 #include "RenderRateTip.h"
@@ -448,7 +449,10 @@ void ScanDeck::playDroppedFile(const QString& path)
         if (!ui->offline->readCapture(path, parsed.first, parsed.second))
             return;  // cancelled, or the player has said why
     } else {
-        parsed = LIdarFactory::GetInstance()->ParseFile(path);
+        RecordingOpener::Result opened = RecordingOpener::open(this, path);
+        if (opened.cancelled || opened.busy)
+            return;  // nothing changes
+        parsed = {opened.model, std::move(opened.frames)};
     }
     if (parsed.second.isEmpty()) {
         usermessages::information(this, tr("information"), offline::refusalText(path));

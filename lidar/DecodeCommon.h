@@ -265,6 +265,22 @@ struct OfflineFrames {
     }
 };
 
+// An offline parse that can be fed a recording's packets a batch at a time:
+// it appends the frames the batch completes and keeps its unfinished turn for
+// the next call, so batches give exactly the frames of one call over all
+// packets. It returns false when a packet ended the parse: the rest of the
+// recording is not decoded.
+using BatchParse = bool (*)(const QVector<QByteArray>& packets, QVector<LidarDataPoint_V4>& frames);
+
+// The registered whole-list parse: one batch.
+template <BatchParse parseBatch>
+QVector<LidarDataPoint_V4> parseWhole(const QVector<QByteArray>& packets)
+{
+    QVector<LidarDataPoint_V4> frames;
+    parseBatch(packets, frames);
+    return frames;
+}
+
 // A 188-byte command packet: A5 5A, class byte 2, code at 184, parameter at
 // 185, FA FB at 186; every other byte 0 unless listed in `extra`.
 QByteArray commandPacket(uint8_t commandClass, uint8_t code, uint8_t parameter,

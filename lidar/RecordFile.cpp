@@ -1,5 +1,7 @@
 #include "RecordFile.h"
 
+#include "RecordReader.h"
+
 #include <QDataStream>
 #include <QFile>
 #include <QtEndian>
@@ -8,21 +10,17 @@ namespace lidar {
 
 QVector<QByteArray> readRecordElements(QIODevice& device)
 {
+    // Element by element, so that a damaged count allocates nothing up front
+    // (QDataStream's own QVector reader reserves it first). Like that reader,
+    // an element that cannot be read voids the whole list: a damaged
+    // recording is refused rather than played in part.
     QVector<QByteArray> elements;
-    QDataStream in(&device);
-    quint32 count = 0;
-    in >> count;
-    // QDataStream's own QVector reader reserves the stored count first, which
-    // a damaged count turns into gigabytes; read element by element instead.
-    // Like that reader, an element that cannot be read voids the whole list:
-    // a damaged recording is refused rather than played in part.
-    for (quint32 i = 0; i < count; ++i) {
-        QByteArray element;
-        in >> element;
-        if (in.status() != QDataStream::Ok)
-            return {};
+    RecordReader reader(device);
+    QByteArray element;
+    while (reader.next(element))
         elements.append(element);
-    }
+    if (reader.status() != RecordReader::Status::Complete)
+        return {};
     return elements;
 }
 
@@ -32,6 +30,11 @@ QVector<QByteArray> readRecordFile(const QString& fileName)
     if (!file.open(QIODevice::ReadOnly))
         return {};
     return readRecordElements(file);
+}
+
+int recordPrefixElements(const QString& model)
+{
+    return model == QLatin1String("Tern_P") ? 1 : 0;
 }
 
 bool writeRecordElements(QIODevice& device, const QVector<QByteArray>& elements)

@@ -16,6 +16,9 @@ namespace lidar {
 QVector<QByteArray> readRecordElements(QIODevice& device);
 // The same from a file; an unreadable file gives an empty list.
 QVector<QByteArray> readRecordFile(const QString& fileName);
+// Elements between the class name and the first packet: 1 for Tern_P (its
+// version number), 0 for every other model.
+int recordPrefixElements(const QString& model);
 // Writes `elements` the way readRecordElements reads them.
 bool writeRecordElements(QIODevice& device, const QVector<QByteArray>& elements);
 

@@ -33,18 +33,16 @@ void Tern::ParseLidarData()
     });
 }
 
-QVector<lidar::LidarDataPoint_V4> Tern::ParseRecordedPackets(const QVector<QByteArray>& packets)
+bool Tern::ParseRecordedBatch(const QVector<QByteArray>& packets, QVector<lidar::LidarDataPoint_V4>& frames)
 {
-    static OfflineFrames<float> frames;
-    QVector<lidar::LidarDataPoint_V4> result;
+    static OfflineFrames<float> state;
     DecodedPacket decoded;
-    tern::parseRecorded(
+    return tern::parseRecorded(
         packets, 0, [](const QByteArray& packet) { return packet.size() == kPacketSize; },
         [&](const QByteArray& packet) {
             DecodePacket(packet, decoded);
-            frames.place<float>(decoded, result);
+            state.place<float>(decoded, frames);
         });
-    return result;
 }
 
 QByteArray Tern::ReadParamCommand()

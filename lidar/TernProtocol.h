@@ -71,16 +71,17 @@ bool lacksTrailer(decode::Bytes piece);
 
 // The offline loop of every Tern model: from element `first` on, a piece
 // without trailer ends the parse, pieces `isDataPacket` rejects are skipped,
-// the others go to `place` in order.
+// the others go to `place` in order. False when a piece ended the parse.
 template <typename IsDataPacket, typename Place>
-void parseRecorded(const QVector<QByteArray>& packets, int first, IsDataPacket&& isDataPacket, Place&& place)
+bool parseRecorded(const QVector<QByteArray>& packets, int first, IsDataPacket&& isDataPacket, Place&& place)
 {
     for (int i = first; i < packets.size(); ++i) {
         if (lacksTrailer(packets[i]))
-            return;
+            return false;
         if (isDataPacket(packets[i]))
             place(packets[i]);
     }
+    return true;
 }
 
 // Length-field packets (Tern_P, Tern_Plus): header, length, start angle,

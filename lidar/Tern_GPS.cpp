@@ -31,18 +31,16 @@ void Tern_GPS::ParseLidarData()
     });
 }
 
-QVector<lidar::LidarDataPoint_V4> Tern_GPS::ParseRecordedPackets(const QVector<QByteArray>& packets)
+bool Tern_GPS::ParseRecordedBatch(const QVector<QByteArray>& packets, QVector<lidar::LidarDataPoint_V4>& frames)
 {
-    static OfflineFrames<float> frames;
+    static OfflineFrames<float> state;
     static tern::PacketClock clock;
-    QVector<lidar::LidarDataPoint_V4> result;
     DecodedPacket decoded;
-    tern::parseRecorded(
+    return tern::parseRecorded(
         packets, 0, [](const QByteArray& packet) { return packet.size() == kPacketSize; },
         [&](const QByteArray& packet) {
             const tern::CalendarTime time = DecodePacket(packet, decoded);
             clock.apply(decoded, time);
-            frames.place<float>(decoded, result);
+            state.place<float>(decoded, frames);
         });
-    return result;
 }

@@ -35,20 +35,18 @@ void Tern_P::ParseLidarData()
     });
 }
 
-QVector<lidar::LidarDataPoint_V4> Tern_P::ParseRecordedPackets(const QVector<QByteArray>& elements)
+bool Tern_P::ParseRecordedBatch(const QVector<QByteArray>& elements, QVector<lidar::LidarDataPoint_V4>& frames)
 {
-    static OfflineFrames<float> frames;
+    static OfflineFrames<float> state;
     static tern::PacketClock clock;
-    QVector<lidar::LidarDataPoint_V4> result;
     if (elements.isEmpty())
-        return result;
+        return true;
     // Not a number: 0, which reads the words the older way.
     const uint32_t version = elements.first().trimmed().toUInt();
     DecodedPacket decoded;
-    tern::parseRecorded(elements, 1, tern::isVariableDataPacket, [&](const QByteArray& packet) {
+    return tern::parseRecorded(elements, 1, tern::isVariableDataPacket, [&](const QByteArray& packet) {
         const tern::CalendarTime time = DecodePacket(packet, version, decoded);
         clock.apply(decoded, time);
-        frames.place<float>(decoded, result);
+        state.place<float>(decoded, frames);
     });
-    return result;
 }

@@ -34,7 +34,14 @@ public:
     void ParseLidarData() override;
 
     // The first element is the firmware version number as decimal text.
-    static QVector<lidar::LidarDataPoint_V4> ParseRecordedPackets(const QVector<QByteArray>& elements);
+    static QVector<lidar::LidarDataPoint_V4> ParseRecordedPackets(const QVector<QByteArray>& elements)
+    {
+        return lidar::decode::parseWhole<ParseRecordedBatch>(elements);
+    }
+    // The same fed a recording's packets a batch at a time, each batch led by
+    // the version element: the frames each batch completes are appended;
+    // false once a packet ended the parse.
+    static bool ParseRecordedBatch(const QVector<QByteArray>& elements, QVector<lidar::LidarDataPoint_V4>& frames);
 
     // Points of one data packet decoded for firmware `version`, time stamps
     // not yet set; returns the packet's calendar time. Pure.

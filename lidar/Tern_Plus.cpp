@@ -35,18 +35,16 @@ void Tern_Plus::ParseLidarData()
     });
 }
 
-QVector<lidar::LidarDataPoint_V4> Tern_Plus::ParseRecordedPackets(const QVector<QByteArray>& packets)
+bool Tern_Plus::ParseRecordedBatch(const QVector<QByteArray>& packets, QVector<lidar::LidarDataPoint_V4>& frames)
 {
-    static OfflineFrames<float> frames;
+    static OfflineFrames<float> state;
     static tern::PacketClock clock;
-    QVector<lidar::LidarDataPoint_V4> result;
     DecodedPacket decoded;
-    tern::parseRecorded(packets, 0, tern::isVariableDataPacket, [&](const QByteArray& packet) {
+    return tern::parseRecorded(packets, 0, tern::isVariableDataPacket, [&](const QByteArray& packet) {
         const tern::CalendarTime time = DecodePacket(packet, decoded);
         clock.apply(decoded, time);
-        frames.place<float>(decoded, result);
+        state.place<float>(decoded, frames);
     });
-    return result;
 }
 
 QByteArray Tern_Plus::DeviceParamCommand(signed char value)

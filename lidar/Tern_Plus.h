@@ -33,7 +33,13 @@ public:
     // The byte is the motor speed setting as a signed char.
     void SetDeviceParam(quint8 value) override;
 
-    static QVector<lidar::LidarDataPoint_V4> ParseRecordedPackets(const QVector<QByteArray>& packets);
+    static QVector<lidar::LidarDataPoint_V4> ParseRecordedPackets(const QVector<QByteArray>& packets)
+    {
+        return lidar::decode::parseWhole<ParseRecordedBatch>(packets);
+    }
+    // The same fed a recording's packets a batch at a time: the frames each
+    // batch completes are appended; false once a packet ended the parse.
+    static bool ParseRecordedBatch(const QVector<QByteArray>& packets, QVector<lidar::LidarDataPoint_V4>& frames);
 
     // Points of one data packet, time stamps not yet set; returns the
     // packet's calendar time. Pure.

@@ -76,20 +76,20 @@ void parseStream(QByteArray& buffer, int packetSize, uint8_t packetType, OnData&
 
 // The offline loop of both Wren models: every element long enough to hold
 // the fields is taken as a data packet (no header, type or checksum test),
-// decoded by `decodePacket` and placed in the persistent `frames`.
+// decoded by `decodePacket` and placed in the persistent `state`; completed
+// frames are appended to `frames`. No packet ends the parse.
 template <typename Azimuth, typename Previous, typename DecodePacket>
-QVector<LidarDataPoint_V4> parseRecorded(const QVector<QByteArray>& packets, int packetSize,
-                                         DecodePacket&& decodePacket, decode::OfflineFrames<Previous>& frames)
+bool parseRecorded(const QVector<QByteArray>& packets, int packetSize, DecodePacket&& decodePacket,
+                   decode::OfflineFrames<Previous>& state, QVector<LidarDataPoint_V4>& frames)
 {
-    QVector<LidarDataPoint_V4> result;
     decode::DecodedPacket decoded;
     for (const QByteArray& packet : packets) {
         if (packet.size() < packetSize)
             continue;
         decodePacket(packet, decoded);
-        frames.template place<Azimuth>(decoded, result);
+        state.template place<Azimuth>(decoded, frames);
     }
-    return result;
+    return true;
 }
 
 // The azimuths of a packet's sixteen groups: start + k * step, in the

@@ -23,9 +23,9 @@ void Wren_Kite::DecodePacket(Bytes packet, DecodedPacket& out)
     }
 }
 
-QVector<lidar::LidarDataPoint_V4> Wren_Kite::ParseRecordedPackets(const QVector<QByteArray>& packets)
+bool Wren_Kite::ParseRecordedBatch(const QVector<QByteArray>& packets, QVector<lidar::LidarDataPoint_V4>& frames)
 {
     // Offline the previous azimuth is kept in whole degrees.
-    static OfflineFrames<int32_t> frames;
-    return wren::parseRecorded<double>(packets, kPacketSize, DecodePacket, frames);
+    static OfflineFrames<int32_t> state;
+    return wren::parseRecorded<double>(packets, kPacketSize, DecodePacket, state, frames);
 }

@@ -31,8 +31,8 @@ void Wren_Plus::DecodePacket(Bytes packet, DecodedPacket& out)
     }
 }
 
-QVector<lidar::LidarDataPoint_V4> Wren_Plus::ParseRecordedPackets(const QVector<QByteArray>& packets)
+bool Wren_Plus::ParseRecordedBatch(const QVector<QByteArray>& packets, QVector<lidar::LidarDataPoint_V4>& frames)
 {
-    static OfflineFrames<float> frames;
-    return wren::parseRecorded<float>(packets, kPacketSize, DecodePacket, frames);
+    static OfflineFrames<float> state;
+    return wren::parseRecorded<float>(packets, kPacketSize, DecodePacket, state, frames);
 }

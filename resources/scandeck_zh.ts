@@ -44,7 +44,7 @@
 <context>
     <name>CaptureFile</name>
     <message>
-        <location filename="../lidar/CaptureFile.cpp" line="+74"/>
+        <location filename="../lidar/CaptureFile.cpp" line="+85"/>
         <source>Cannot open %1: %2</source>
         <translation>无法打开 %1：%2</translation>
     </message>
@@ -562,18 +562,18 @@
         <translation>导出 CSV</translation>
     </message>
     <message>
-        <location filename="../playback/OffinePlayWidget.cpp" line="+91"/>
+        <location filename="../playback/OffinePlayWidget.cpp" line="+92"/>
         <location line="+4"/>
         <location line="+4"/>
-        <location line="+57"/>
-        <location line="+20"/>
+        <location line="+59"/>
+        <location line="+22"/>
         <location line="+11"/>
         <location line="+162"/>
         <source>information</source>
         <translation>提示</translation>
     </message>
     <message>
-        <location line="-193"/>
+        <location line="-195"/>
         <source>Please disconnect first!</source>
         <translation>请先断开连接！</translation>
     </message>
@@ -583,14 +583,14 @@
         <translation>打开文件</translation>
     </message>
     <message>
-        <location line="-68"/>
-        <location line="+92"/>
+        <location line="-70"/>
+        <location line="+96"/>
         <location filename="../playback/RecordingRefusal.cpp" line="+12"/>
         <source>Unable to parse this file</source>
         <translation>无法解析该文件</translation>
     </message>
     <message>
-        <location line="-27"/>
+        <location line="-29"/>
         <source>Recordings (*.txt)</source>
         <translation>录制文件 (*.txt)</translation>
     </message>
@@ -605,7 +605,7 @@
         <translation>所有文件 (*)</translation>
     </message>
     <message>
-        <location line="+188"/>
+        <location line="+190"/>
         <source>There is an error in the input. Please enter it again</source>
         <translation>输入有误，请重新输入</translation>
     </message>
@@ -732,6 +732,24 @@
     </message>
 </context>
 <context>
+    <name>RecordingOpener</name>
+    <message>
+        <location filename="../playback/RecordingOpener.cpp" line="+28"/>
+        <source>Loading offline data...</source>
+        <translation>正在加载离线数据...</translation>
+    </message>
+    <message>
+        <location line="+0"/>
+        <source>Cancel</source>
+        <translation>取消</translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>Open offline data</source>
+        <translation>打开离线数据</translation>
+    </message>
+</context>
+<context>
     <name>RenderRateTip</name>
     <message>
         <location filename="../app/RenderRateTip.cpp" line="+22"/>
@@ -742,7 +760,7 @@
 <context>
     <name>ScanDeck</name>
     <message>
-        <location filename="../app/ScanDeck.cpp" line="+364"/>
+        <location filename="../app/ScanDeck.cpp" line="+366"/>
         <source>restart</source>
         <translation>重启</translation>
     </message>
@@ -765,7 +783,7 @@
     </message>
     <message>
         <location line="+147"/>
-        <location filename="../app/ScanDeckExport.cpp" line="+101"/>
+        <location filename="../app/ScanDeckExport.cpp" line="+110"/>
         <source>File saved</source>
         <translation>文件已保存</translation>
     </message>
@@ -778,12 +796,12 @@
     <message>
         <location line="+8"/>
         <location line="+6"/>
-        <location line="+45"/>
+        <location line="+48"/>
         <source>question</source>
         <translation>询问</translation>
     </message>
     <message>
-        <location line="-50"/>
+        <location line="-53"/>
         <source>Data is being recorded. Do you want to save the data before exiting the program?</source>
         <translation>正在录制数据，退出程序前是否保存数据？</translation>
     </message>
@@ -793,7 +811,7 @@
         <translation>正在导出 CSV 数据，退出程序前是否保存数据？</translation>
     </message>
     <message>
-        <location line="+41"/>
+        <location line="+44"/>
         <location filename="../app/ScanDeckLive.cpp" line="-82"/>
         <location line="+13"/>
         <location line="+6"/>
@@ -858,15 +876,15 @@
         <translation>两点间距离：</translation>
     </message>
     <message>
-        <location filename="../app/ScanDeckExport.cpp" line="-47"/>
+        <location filename="../app/ScanDeckExport.cpp" line="-56"/>
         <location line="+21"/>
         <location line="+20"/>
-        <location line="+9"/>
+        <location line="+18"/>
         <source>Export CSV</source>
         <translation>导出 CSV</translation>
     </message>
     <message>
-        <location line="-44"/>
+        <location line="-53"/>
         <source>File save failed!</source>
         <translation>文件保存失败！</translation>
     </message>

@@ -16,6 +16,7 @@
 #include <QTemporaryDir>
 #include <QTimer>
 #include <QtTest>
+#include <cmath>
 #include <cstring>
 #include <random>
 
@@ -93,6 +94,8 @@ private slots:
     void numberText_data();
     void numberText();
     void shortestTextReadsBackExactly();
+    void gridShortcutMatchesDigitsAndQt_data();
+    void gridShortcutMatchesDigitsAndQt();
     void csvLines();
     void convert_data();
     void convert();
@@ -164,6 +167,56 @@ void CliTest::shortestTextReadsBackExactly()
         char shorter[64];
         std::snprintf(shorter, sizeof shorter, "%.*g", int(digits.size()) - 1, double(value));
         QVERIFY2(digits.size() <= 1 || std::strtof(shorter, nullptr) != value, text.constData());
+    }
+}
+
+void CliTest::gridShortcutMatchesDigitsAndQt_data()
+{
+    // Runs of values n * step from `first`: every one compared with the text
+    // found from the shortest digits, every 97th also with Qt's own text.
+    QTest::addColumn<bool>("isFloat");
+    QTest::addColumn<double>("first");
+    QTest::addColumn<double>("step");
+    QTest::addColumn<int>("count");
+    QTest::newRow("centimetres around zero") << true << -800.0 << 0.01 << 160001;
+    QTest::newRow("centimetres at the shortcut's limit") << true << 65500.0 << 0.01 << 7201;
+    QTest::newRow("millimetres at the shortcut's limit") << true << 8150.0 << 0.001 << 84001;
+    QTest::newRow("thousandths of a degree") << true << 0.0 << 0.001 << 360001;
+    QTest::newRow("distances in metres") << false << -10.0 << 0.001 << 200001;
+    QTest::newRow("distances at the shortcut's limit") << false << 2147483000.0 << 0.001 << 2000;
+    QTest::newRow("sevenths, never on the grid") << true << -50.0 << 1.0 / 7 << 700;
+}
+
+void CliTest::gridShortcutMatchesDigitsAndQt()
+{
+    QFETCH(bool, isFloat);
+    QFETCH(double, first);
+    QFETCH(double, step);
+    QFETCH(int, count);
+    for (int i = 0; i < count; ++i) {
+        // The grid value as the writers meet it: the nearest float or double,
+        // and its neighbours, which are on no grid.
+        const double exact = first + i * step;
+        for (int neighbour = -1; neighbour <= 1; ++neighbour) {
+            QByteArray text, digits;
+            double value = 0;
+            if (isFloat) {
+                const float f = std::nextafter(float(exact), neighbour < 0 ? -INFINITY : INFINITY);
+                value = neighbour == 0 ? float(exact) : f;
+                text = numbertext::shortest(float(value));
+                digits = numbertext::shortestByDigits(float(value));
+            } else {
+                value = neighbour == 0 ? exact : std::nextafter(exact, neighbour < 0 ? -INFINITY : INFINITY);
+                text = numbertext::shortest(value);
+                digits = numbertext::shortestByDigits(value);
+            }
+            if (text != digits)
+                QFAIL(qPrintable(QString("%1: %2, not %3").arg(value, 0, 'g', 17).arg(text, digits)));
+            // Qt's shortest text of the number the digits stand for is the same text.
+            if (i % 97 == 0 && QString::number(std::strtod(text.constData(), nullptr), 'g',
+                                               QLocale::FloatingPointShortest).toLatin1() != text)
+                QFAIL(qPrintable(QString("%1: Qt differs").arg(QString(text))));
+        }
     }
 }
 
@@ -314,6 +367,9 @@ void CliTest::badRecordingsFailWithOneLine_data()
         << QByteArray("\x7F\xFF\xFF\xF0\x00\x00\x00\x04Tern\x00\x00\x00\x04\xA5\x5A\x00\x00", 20)
         << "truncated or damaged";
     QTest::newRow("truncated") << good.left(good.size() / 2) << "truncated or damaged";
+    // Found only after thousands of packets were decoded and their frames written.
+    const QByteArray longer = recording("Tern", testing::ternRevolutions(120));
+    QTest::newRow("truncated late") << longer.left(longer.size() - 1000) << "truncated or damaged";
     QTest::newRow("unregistered model") << recording("Falcon", testing::ternRevolutions(2))
                                         << "unknown model \"Falcon\"";
     QTest::newRow("no complete frame") << recording("Tern", testing::ternRevolutions(1)) << "no complete frame";

@@ -3,8 +3,11 @@
 
 #include "LIdarFactory.h"
 #include "LoopbackLidar.h"
+#include "OfflineParseState.h"
 #include "PacketBuilders.h"
 #include "RecordFile.h"
+#include "RecordingDecoder.h"
+#include "RecordingStream.h"
 #include "Tern.h"
 
 #include <QSignalSpy>
@@ -66,6 +69,27 @@ private:
     rlimit previous_{};
 };
 
+void writeElements(const QString& path, const QVector<QByteArray>& elements)
+{
+    QFile f(path);
+    QVERIFY(f.open(QIODevice::WriteOnly));
+    QVERIFY(lidar::writeRecordElements(f, elements));
+}
+
+// Each frame's values, then its points byte for byte.
+QByteArrayList describe(const QVector<lidar::LidarDataPoint_V4>& frames)
+{
+    QByteArrayList lines;
+    for (const auto& frame : frames) {
+        lines << QString("%1 %2 %3").arg(frame.ambient).arg(frame.motorSpeed).arg(frame.dateTime).toLatin1();
+        for (auto line = frame.points.constBegin(); line != frame.points.constEnd(); ++line)
+            lines << QByteArray::number(line.key()) +
+                         QByteArray(reinterpret_cast<const char*>(line.value().data()),
+                                    int(line.value().size() * sizeof(lidar::LidarPoint))).toHex();
+    }
+    return lines;
+}
+
 }  // namespace
 
 class RecordFileTest : public QObject {
@@ -82,6 +106,9 @@ private slots:
     void truncatedFileIsRefusedWhole();
     void cutShortRecordingsAreRepaired_data();
     void cutShortRecordingsAreRepaired();
+    void streamGivesTheFramesOfOneParse_data();
+    void streamGivesTheFramesOfOneParse();
+    void streamStopsAtDamage();
 
 private:
     QTemporaryDir dir_;
@@ -325,6 +352,72 @@ void RecordFileTest::cutShortRecordingsAreRepaired()
     QCOMPARE(read.size(), kept);
     QVERIFY(lidar::scanRecordFile(path).isWhole());
     QCOMPARE(recordBytes(read).mid(4), bytes.mid(4, recordBytes(read).size() - 4));
+}
+
+void RecordFileTest::streamGivesTheFramesOfOneParse_data()
+{
+    QTest::addColumn<QString>("model");
+    QTest::addColumn<QVector<QByteArray>>("packets");  // after the name and version
+    const int batch = lidar::RecordingDecoder::kBatchPackets;
+    QTest::newRow("Tern, batches cut mid-turn") << "Tern" << revolutionPackets("Tern", 2 * batch / 24 + 7);
+    // Element 1 is the version: it must lead every batch, not be decoded once.
+    QTest::newRow("Tern_P, its version in every batch") << "Tern_P" << revolutionPackets("Tern_P", batch / 24 + 3);
+    // Offline, Wren_Kite compares whole degrees of the previous azimuth.
+    QTest::newRow("Wren_Kite") << "Wren_Kite" << revolutionPackets("Wren_Kite", batch / 24 + 3);
+    // A Tern packet without trailer ends the parse: nothing after it, in
+    // whichever later batch it lies.
+    QVector<QByteArray> cut = revolutionPackets("Tern", 3 * batch / 24);
+    cut[batch + 100].chop(2);
+    QTest::newRow("Tern packet without trailer in the second batch") << "Tern" << cut;
+}
+
+void RecordFileTest::streamGivesTheFramesOfOneParse()
+{
+    QFETCH(QString, model);
+    QFETCH(QVector<QByteArray>, packets);
+    const QVector<QByteArray> prefix = lidar::recordPrefixElements(model) ? QVector<QByteArray>{"215"}
+                                                                         : QVector<QByteArray>{};
+    const QString path = dir_.filePath("stream.txt");
+    writeElements(path, QVector<QByteArray>{model.toLatin1()} + prefix + packets);
+
+    settleOfflineParse(model);
+    const QVector<lidar::LidarDataPoint_V4> whole = LIdarFactory::GetInstance()->parseMap.value(model)(prefix + packets);
+    settleOfflineParse(model);
+    lidar::RecordingStream stream(path);
+    QVERIFY(stream.open());
+    QCOMPARE(stream.model(), model);
+    QVector<lidar::LidarDataPoint_V4> streamed;
+    QVERIFY(stream.run([&](lidar::LidarDataPoint_V4& frame) { return streamed.append(frame), true; }));
+    settleOfflineParse(model);
+    QVERIFY(whole.size() > 2);
+    QCOMPARE(describe(streamed), describe(whole));
+    QCOMPARE(stream.packets(), qint64(packets.size()));
+}
+
+void RecordFileTest::streamStopsAtDamage()
+{
+    const QVector<QByteArray> elements = QVector<QByteArray>{"Tern"} + ternRevolutions(120);
+    QBuffer buffer;
+    buffer.open(QIODevice::WriteOnly);
+    QVERIFY(lidar::writeRecordElements(buffer, elements));
+    // Cut in the length of element 2501, then in its bytes.
+    const qint64 element2501 = 4 + 8 + 2500 * 96;
+    for (const qint64 cut : {element2501 + 2, element2501 + 4 + 50}) {
+        const QString path = dir_.filePath("cut.txt");
+        writeFile(path, buffer.data().left(int(cut)));
+        lidar::RecordingStream stream(path);
+        QVERIFY(stream.open());
+        int frames = 0;
+        QVERIFY(!stream.run([&](lidar::LidarDataPoint_V4&) { return ++frames, true; }));
+        QCOMPARE(stream.problem(), lidar::RecordingStream::Problem::Damaged);
+        QCOMPARE(stream.damage().element, qint64(2501));
+        QCOMPARE(stream.damage().length, cut == element2501 + 2 ? qint64(-1) : qint64(92));
+        QCOMPARE(stream.damage().remaining, cut == element2501 + 2 ? qint64(2) : qint64(50));
+        // The frames of the first full batch were handed on before the damage
+        // (and the turn an earlier parse left open, if any), not the rest.
+        QVERIFY2(frames >= lidar::RecordingDecoder::kBatchPackets / 24 && frames < 100, qPrintable(QString::number(frames)));
+        settleOfflineParse("Tern");
+    }
 }
 
 QTEST_MAIN(RecordFileTest)

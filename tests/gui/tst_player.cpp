@@ -10,6 +10,7 @@
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
+#include <QProgressDialog>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QSlider>
@@ -64,6 +65,8 @@ private slots:
     void frameBox();
     void openRefused_data();
     void openRefused();
+    void openKeepsTheWindowServed_data();
+    void openKeepsTheWindowServed();
 
 private:
     template <typename T>
@@ -242,6 +245,41 @@ void PlayerTest::openRefused()
                                                  pathToOpen + "\" makes its complete packets readable again."
                                            : refused);
     QVERIFY(!player->isLoaded() && spy->isEmpty());
+}
+
+void PlayerTest::openKeepsTheWindowServed_data()
+{
+    QTest::addColumn<bool>("cancel");
+    QTest::newRow("loaded when open returns") << false;
+    QTest::newRow("cancel leaves the player as it was") << true;
+}
+
+void PlayerTest::openKeepsTheWindowServed()
+{
+    QFETCH(bool, cancel);
+    // Long enough to report progress several times on the way.
+    pathToOpen = dir.filePath("long.txt");
+    QVERIFY(writeRecording(pathToOpen, QVector<QByteArray>{"Tern"} + testing::ternRevolutions(400)));
+    int asked = 0;
+    player->setOpenFileHook([&](const QString&, const QString&, const QString&) { return ++asked, pathToOpen; });
+    // Runs as soon as the parse lets events through: a second click on Open
+    // while the first loads, then perhaps Cancel.
+    bool served = false;
+    QTimer::singleShot(0, player, [&] {
+        served = true;
+        player->openFile();
+        if (cancel)
+            player->findChild<QProgressDialog*>()->cancel();
+    });
+    click("btn_open_file");
+    QVERIFY(served);
+    QCOMPARE(asked, 1);
+    QVERIFY(messages.isEmpty());
+    QCOMPARE(player->isLoaded(), !cancel);
+    QCOMPARE(player->frameCount(), cancel ? 0 : 399);
+    QCOMPARE(spy->size(), cancel ? 0 : 1);
+    QVERIFY(!player->findChild<QProgressDialog*>());
+    QCOMPARE(child<QPushButton>("btn_open_file")->isEnabled(), cancel);
 }
 
 QTEST_MAIN(PlayerTest)
