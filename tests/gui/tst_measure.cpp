@@ -173,8 +173,6 @@ private slots:
     void overlayDialog();
     void labelsFaceTheCamera_data();
     void labelsFaceTheCamera();
-    void labelsOutOfViewLeftOut_data();
-    void labelsOutOfViewLeftOut();
     void labelsAreDrawn();
     void picking();
     void rangingPairs_data();
@@ -360,64 +358,6 @@ void MeasureTest::labelsFaceTheCamera()
     }
     QCOMPARE(labels->find("far")->text, std::string("-1900CM"));
     QVERIFY(!labels->find("right_grid100"));
-}
-
-void MeasureTest::labelsOutOfViewLeftOut_data()
-{
-    QTest::addColumn<QVector<double>>("camera");  // position, then focal point
-    QTest::addColumn<double>("aspect");
-    QTest::addColumn<QStringList>("inView");
-    // From 15 m above, the view reaches 4 m up and down, 4 m times the
-    // aspect left and right.
-    QTest::newRow("from above") << QVector<double>{0, 0, 15, 0, 0, 0} << 2.0 << QStringList{"near", "side"};
-    QTest::newRow("narrower view") << QVector<double>{0, 0, 15, 0, 0, 0} << 1.0 << QStringList{"near"};
-    QTest::newRow("over the far label") << QVector<double>{-19, 0, 15, -19, 0, 0} << 2.0 << QStringList{"far"};
-    QTest::newRow("from high above") << QVector<double>{0, 0, 100, 0, 0, 0} << 1.0
-                                     << QStringList{"near", "side", "far"};
-    QTest::newRow("looking away") << QVector<double>{0, 0, 15, 0, 0, 30} << 1.0 << QStringList{};
-    // The label starts left of the view and reaches into it.
-    QTest::newRow("straddling the edge") << QVector<double>{4.1, 0, 15, 4.1, 0, 0} << 1.0 << QStringList{"near"};
-}
-
-// Labels wholly out of view are not drawn; moving the camera or changing
-// the view's shape brings them back.
-void MeasureTest::labelsOutOfViewLeftOut()
-{
-    QFETCH(QVector<double>, camera);
-    QFETCH(double, aspect);
-    QFETCH(QStringList, inView);
-    auto view = vtkSmartPointer<vtkCamera>::New();
-    view->SetPosition(0, 0, 15);
-    auto labels = vtkSmartPointer<FacingLabels>::New();
-    labels->setLabels({{"near", "100CM", {0, 1, 0}, 0.1},
-                       {"side", "700CM", {-7, 0, 0}, 0.1},
-                       {"far", "-1900CM", {-19, 0, 0}, 0.1}},
-                      view);
-    QVERIFY(labels->inView("far", 1.0) == false);
-    view->SetPosition(camera[0], camera[1], camera[2]);
-    view->SetFocalPoint(camera[3], camera[4], camera[5]);
-    view->SetViewUp(0, 1, 0);
-    QStringList shown;
-    for (const char* id : {"near", "side", "far"})
-        if (labels->inView(id, aspect))
-            shown << id;
-    QCOMPARE(shown, inView);
-
-    // Only the glyphs of the labels in view are drawn.
-    vtkIdType points = 0;
-    vtkCellArray* cells = geometryOf(labels)->GetPolys();
-    vtkIdType count = 0;
-    const vtkIdType* ids = nullptr;
-    for (cells->InitTraversal(); cells->GetNextCell(count, ids);)
-        points += count;
-    vtkIdType expected = 0;
-    for (const QString& id : inView) {
-        auto text = vtkSmartPointer<vtkVectorText>::New();
-        text->SetText(labels->find(id.toStdString())->text.c_str());
-        text->Update();
-        expected += text->GetOutput()->GetPolys()->GetNumberOfConnectivityIds();
-    }
-    QCOMPARE(points, expected);
 }
 
 // The labels reach the screen: in pure red on black, where "300CM" lies
