@@ -11,7 +11,8 @@
 // caused. Run it under a display, e.g.
 //   xvfb-run -a -s "-screen 0 1600x900x24" ./scandeck-display-bench
 // Options: --seconds S (per measurement, default 2), --repeat R (default 3,
-// the median is printed), --hold S (keep the window open S seconds at the end).
+// the median is printed), --points N,N,... (frame sizes, default
+// 1000,5000,20000), --hold S (keep the window open S seconds at the end).
 
 #include "ScanDeck.h"
 
@@ -213,14 +214,21 @@ void click(ScanDeck& window, const char* name, bool wantChecked)
         button->click();
 }
 
+// The measurement tools an operator can have on at once.
+enum Tools { Overlays = 1, BoxAndRanging = 2, AllTools = Overlays | BoxAndRanging };
+
 // Grid and polar rings on, a box around one of the room's pillars, range
-// finding on with a pair measured across the pillar: all the tools an
-// operator can have on at once. Returns the number of points in the box.
-int measuringOn(ScanDeck& window, const lidar::LidarDataPoint_V4& frame)
+// finding on with a pair measured across the pillar (as `tools` says).
+// Returns the number of points in the box.
+int measuringOn(ScanDeck& window, const lidar::LidarDataPoint_V4& frame, int tools)
 {
     window.showFrame(frame);
-    click(window, "btn_grid", true);
-    click(window, "btn_polar", true);
+    if (tools & Overlays) {
+        click(window, "btn_grid", true);
+        click(window, "btn_polar", true);
+    }
+    if (!(tools & BoxAndRanging))
+        return 0;
     const Cloud& cloud = window.frameCloud();
     const double pillarX = 2.5 * std::sin(41.5 * M_PI / 180), pillarY = 2.5 * std::cos(41.5 * M_PI / 180);
     std::vector<int> pillar;
@@ -237,7 +245,7 @@ int measuringOn(ScanDeck& window, const lidar::LidarDataPoint_V4& frame)
 
 void measuringOff(ScanDeck& window)
 {
-    window.findChild<QAbstractButton*>("btn_clear")->click();  // also ends the box
+    window.findChild<QAbstractButton*>("btn_clear")->click();  // also ends the box and the rings
     click(window, "btn_grid", false);
     click(window, "btn_ranging", false);
 }
@@ -320,7 +328,14 @@ int main(int argc, char* argv[])
         << "\n";
     out << "points  what                                         fps  ms/frame   own ms viewer ms render ms\n";
 
-    for (int points : {1000, 5000, 20000}) {
+    QList<int> sizes;
+    const int pointsAt = args.indexOf("--points");
+    for (const QString& n : pointsAt >= 0 ? args.value(pointsAt + 1).split(',') : QStringList())
+        if (n.toInt() > 0)
+            sizes << n.toInt();
+    if (sizes.isEmpty())
+        sizes = {1000, 5000, 20000};
+    for (int points : sizes) {
         std::vector<lidar::LidarDataPoint_V4> frames;
         for (int seed = 0; seed < 8; ++seed)
             frames.push_back(roomFrame(points, seed));
@@ -336,13 +351,13 @@ int main(int argc, char* argv[])
         auto* table = window.findChild<QAbstractButton*>("btn_table");
         QSize openViewSize;
         int boxPoints = 0;
-        auto scanDeckRun = [&](bool tableOpen, bool renderTwice = false, int samples = -1, bool measuring = false) {
+        auto scanDeckRun = [&](bool tableOpen, bool renderTwice = false, int samples = -1, int tools = 0) {
             scanDeckRenderWindow->SetMultiSamples(samples >= 0 ? samples : ownSamples);
             window.show();
             if (table->isChecked() != tableOpen)
                 table->click();
-            if (measuring)
-                boxPoints = measuringOn(window, frames[0]);
+            if (tools)
+                boxPoints = std::max(boxPoints, measuringOn(window, frames[0], tools));
             const Figures f = measure(seconds, [&](int i) {
                 window.showFrame(frames[i % frames.size()]);
                 Figures t = timingsOf(window);
@@ -359,7 +374,7 @@ int main(int argc, char* argv[])
                 openViewSize = view->size();
                 table->click();
             }
-            if (measuring)
+            if (tools)
                 measuringOff(window);
             scanDeckRenderWindow->SetMultiSamples(ownSamples);
             window.hide();
@@ -397,7 +412,9 @@ int main(int argc, char* argv[])
             {"bare 1600x900, remove + add", false, [&] { return bareRun(bareFull, true); }, {}},
             {"bare " + viewName + " in 1600x900, rm+add", false, [&] { return bareRun(bareView, true); }, {}},
             {"  the same + orientation marker", false, [&] { return bareRun(bareViewMarker, false); }, {}},
-            {"ScanDeck, grid+polar+box+ranging on", true, [&] { return scanDeckRun(false, false, -1, true); }, {}},
+            {"ScanDeck, grid+polar+box+ranging on", true, [&] { return scanDeckRun(false, false, -1, AllTools); }, {}},
+            {"  grid and polar only", true, [&] { return scanDeckRun(false, false, -1, Overlays); }, {}},
+            {"  box and ranging only", true, [&] { return scanDeckRun(false, false, -1, BoxAndRanging); }, {}},
         };
         for (int r = 0; r < repeat; ++r)
             for (Variant& v : variants)
@@ -415,14 +432,25 @@ int main(int argc, char* argv[])
                    .arg(100.0 * result[2].fps / result[3].fps, 0, 'f', 1)
                    .arg(vtk)
                    .arg(result[0].ownMs, 0, 'f', 3);
-        const auto tools = std::find_if(variants.begin(), variants.end(),
-                                        [](const Variant& v) { return v.name.contains("ranging on"); });
-        const Figures& measuring = result[size_t(tools - variants.begin())];
-        out << QString("        measuring tools on (box of %1 points) / off: %2 % of the frame rate, own work %3 ms"
-                       " (goals: >= 90 %, < 2 ms at 5000)\n")
+        auto resultOf = [&](const QString& name) {
+            const auto found = std::find_if(variants.begin(), variants.end(),
+                                            [&](const Variant& v) { return v.name == name; });
+            return result[size_t(found - variants.begin())];
+        };
+        const Figures measuring = resultOf("ScanDeck, grid+polar+box+ranging on");
+        out << QString("        measuring tools on (box of %1 points) / off: %2 % of the frame rate, render %3 ms more,"
+                       " own work %4 ms (goals: >= 90 %, < 2 ms at 5000)\n")
                    .arg(boxPoints)
                    .arg(100.0 * measuring.fps / result[0].fps, 0, 'f', 1)
+                   .arg(measuring.renderMs - result[0].renderMs, 0, 'f', 2)
                    .arg(measuring.ownMs, 0, 'f', 3);
+        for (const QString& part : {QString("  grid and polar only"), QString("  box and ranging only")}) {
+            const Figures f = resultOf(part);
+            out << QString("          %1: %2 % of the frame rate, render %3 ms more\n")
+                       .arg(part.trimmed())
+                       .arg(100.0 * f.fps / result[0].fps, 0, 'f', 1)
+                       .arg(f.renderMs - result[0].renderMs, 0, 'f', 2);
+        }
 
         // One mouse move over the view: readouts only (nothing to redraw),
         // then with the ranging rubber band following the cursor.
