@@ -9,6 +9,7 @@
 #include "IniSettings.h"
 #include "KeyboardShortcuts.h"
 #include "LIdarFactory.h"
+#include "LiveFrameQueue.h"
 #include "LidarAnalysis.h"
 #include "NetworkToolLauncher.h"
 #include "LinkStatusReadout.h"
@@ -16,8 +17,10 @@
 #include "OffinePlayWidget.h"
 #include "OfflineDrop.h"
 #include "OverlayPainter.h"
+#include "RecordingRefusal.h"
 #include "PointTableRow.h"
 #include "RangingMarks.h"
+#include "RecordingOpener.h"
 #include "StatusReadouts.h"
 #include "RecentFolder.h"
 #include "RenderRateTip.h"
@@ -242,6 +245,20 @@ void ScanDeck::initStatusBar()
     m_progressBar->hide();
     readouts->addReadout(m_progressBar);
 
+    // Live frames reach the display through the queue; the label shows only
+    // once it has had to skip some.
+    m_liveFrames = new LiveFrameQueue(this);
+    connect(m_liveFrames, &LiveFrameQueue::frameReady, this, &ScanDeck::showFrame);
+    connect(m_liveFrames, &LiveFrameQueue::frameSkipped, this, &ScanDeck::exportSkippedFrame);
+    m_displayBehindLabel = new QLabel(this);
+    m_displayBehindLabel->setObjectName(QStringLiteral("label_display_behind"));
+    m_displayBehindLabel->hide();
+    statusBar()->addPermanentWidget(m_displayBehindLabel);
+    connect(m_liveFrames, &LiveFrameQueue::skippedFramesChanged, this, [this](quint64 skipped) {
+        m_displayBehindLabel->setText(tr("display behind: %1 frames skipped").arg(skipped));
+        m_displayBehindLabel->setVisible(skipped > 0);
+    });
+
     auto* link = new QLabel(this);
     link->setObjectName(QStringLiteral("label_link"));
     link->setTextFormat(Qt::RichText);
@@ -461,10 +478,13 @@ void ScanDeck::playDroppedFile(const QString& path)
         if (!ui->offline->readCapture(path, parsed.first, parsed.second))
             return;  // cancelled, or the player has said why
     } else {
-        parsed = LIdarFactory::GetInstance()->ParseFile(path);
+        RecordingOpener::Result opened = RecordingOpener::open(this, path);
+        if (opened.cancelled || opened.busy)
+            return;  // nothing changes
+        parsed = {opened.model, std::move(opened.frames)};
     }
     if (parsed.second.isEmpty()) {
-        usermessages::information(this, tr("information"), tr("Unable to parse this file"));
+        usermessages::information(this, tr("information"), offline::refusalText(path));
         return;
     }
     if (!usermessages::question(this, tr("question"), tr("Whether to play offline file ?")))

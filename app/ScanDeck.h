@@ -35,6 +35,7 @@ class ColourLegendOverlay;
 class KeyboardShortcuts;
 class LinkStatusReadout;
 class LidarAnalysis;
+class LiveFrameQueue;
 class NetworkToolLauncher;
 class OverlayPainter;
 class QAbstractButton;
@@ -148,6 +149,8 @@ public:
     bool isPlaying() const { return m_playing; }
     // The connection dialog, once btn_connect has made it.
     SelectConnectType* connectDialog() const { return m_connectDialog; }
+    // Carries live frames to showFrame; skips the oldest when drawing falls behind.
+    LiveFrameQueue* liveFrames() const { return m_liveFrames; }
     // The "Setting" tab's device controls and the network module tool.
     DeviceSettingsPanel* devicePanel() const { return m_devicePanel; }
     NetworkToolLauncher* networkTool() const { return m_networkTool; }
@@ -260,6 +263,8 @@ private:
     // The window title while a recording plays: its model and file name.
     void showPlaybackTitle(const QString& path);
     void writeCsvFrame(const lidar::LidarDataPoint_V4& frame);
+    // A live frame the display had to skip still goes into a running export.
+    void exportSkippedFrame(lidar::LidarDataPoint_V4 frame);
 
     Ui::ScanDeckClass* ui;
     vtkSmartPointer<vtkGenericOpenGLRenderWindow> m_renderWindow;
@@ -269,6 +274,7 @@ private:
     CloudPtr m_clickCloud;  // "m_clickPointCloud"
     std::shared_ptr<pcl::visualization::PCLVisualizer> m_viewer;
     LiveConnection m_live;
+    LiveFrameQueue* m_liveFrames = nullptr;
     QList<QMetaObject::Connection> m_sessionConnections;
     SelectConnectType* m_connectDialog = nullptr;
     SaveFileHook m_saveFileHook;
@@ -309,6 +315,7 @@ private:
     QLabel* m_deltaDistanceLabel = nullptr;
     QLabel* m_azimuthLabel = nullptr;
     QLabel* m_distanceLabel = nullptr;
+    QLabel* m_displayBehindLabel = nullptr;
 
     // The measurement tools of the view.
     std::unique_ptr<OverlayPainter> m_overlays;

@@ -96,6 +96,15 @@ void ScanDeck::writeCsvFrame(const lidar::LidarDataPoint_V4& frame)
     }
 }
 
+void ScanDeck::exportSkippedFrame(lidar::LidarDataPoint_V4 frame)
+{
+    if (!m_csvExport.isActive())
+        return;
+    // Rounded and cut to the box exactly as a drawn frame would be.
+    const lidar::LidarDataPoint_V4 boxFrame = display::roundAndSelect(frame, m_boxActive ? &m_boxRange : nullptr);
+    writeCsvFrame(m_boxActive ? boxFrame : frame);
+}
+
 void ScanDeck::showExportSaved(const QString& fileName)
 {
     usermessages::information(this, tr("File saved"), tr("File save path:%1").arg(fileName));

@@ -7,6 +7,7 @@
 #include "ColourLegendOverlay.h"
 #include "KeyboardShortcuts.h"
 #include "LidarAnalysis.h"
+#include "LiveFrameQueue.h"
 #include "OffinePlayWidget.h"
 #include "ui_ScanDeck.h"
 
@@ -129,8 +130,8 @@ void ScanDeck::wireSessionSignals()
         return;
     auto& c = m_sessionConnections;
     // The session lives on its worker thread: its frames reach the display
-    // queued, every one of them drawn.
-    c << connect(session, &LidarAnalysis::SendleLidarDataSignal, this, &ScanDeck::showFrame, Qt::UniqueConnection);
+    // through the queue, every one of them drawn while drawing keeps up.
+    c << m_liveFrames->attach(session);
     c << connect(session, &LidarAnalysis::SendMessageSignal, this, &ScanDeck::showWarning);
     c << connect(session, &LidarAnalysis::SendEndSaveDataSignal, this, &ScanDeck::showFileSaved);
     // Motor switch, filter and frequency boxes, and the GPS test window.

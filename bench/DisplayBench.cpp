@@ -1,15 +1,18 @@
 // scandeck-display-bench: how fast the main window shows frames, against a
 // bare PCLVisualizer in a QVTKOpenGLNativeWidget of the same size redrawing a
-// cloud of the same points. Prints, per frame size: frames per second, ms per
-// frame and, for ScanDeck, the ms of its own work (rounding, box test,
-// colouring, table rows, cloud fill, readouts), of the viewer's
-// remove-and-add and of the render; the same with the measurement tools all
-// on (grid, polar rings, a box selection, a ranging pair); and the cost of
-// one mouse move over the view (the hover readouts, then the ranging rubber
-// band) with the number of renders it caused. Run it under a display, e.g.
+// cloud of the same points, like with like: both without multisampling (as
+// the viewer draws) and both with the render window's default multisampling.
+// Prints, per frame size: frames per second, ms per frame and, for ScanDeck,
+// the ms of its own work (rounding, box test, colouring, table rows, cloud
+// fill, readouts), of the viewer's remove-and-add and of the render; the same
+// with the measurement tools all on (grid, polar rings, a box selection, a
+// ranging pair); and the cost of one mouse move over the view (the hover
+// readouts, then the ranging rubber band) with the number of renders it
+// caused. Run it under a display, e.g.
 //   xvfb-run -a -s "-screen 0 1600x900x24" ./scandeck-display-bench
 // Options: --seconds S (per measurement, default 2), --repeat R (default 3,
-// the median is printed), --hold S (keep the window open S seconds at the end).
+// the median is printed), --points N,N,... (frame sizes, default
+// 1000,5000,20000), --hold S (keep the window open S seconds at the end).
 
 #include "ScanDeck.h"
 
@@ -133,11 +136,10 @@ Figures timingsOf(const ScanDeck& window)
 // so that it can match ScanDeck's view and window both.
 class BareViewer {
 public:
-    BareViewer(const QSize& windowSize, const QSize& viewSize, bool withMarker = false, int multiSamples = -1)
+    BareViewer(const QSize& windowSize, const QSize& viewSize, int multiSamples, bool withMarker = false)
         : m_widget(&m_top), m_window(vtkSmartPointer<vtkGenericOpenGLRenderWindow>::New()), m_cloud(new Cloud)
     {
-        if (multiSamples >= 0)
-            m_window->SetMultiSamples(multiSamples);
+        m_window->SetMultiSamples(multiSamples);
         auto renderer = vtkSmartPointer<vtkRenderer>::New();
         m_viewer = std::make_shared<pcl::visualization::PCLVisualizer>(renderer, m_window, "bare", false);
         m_widget.setRenderWindow(m_window);
@@ -212,14 +214,21 @@ void click(ScanDeck& window, const char* name, bool wantChecked)
         button->click();
 }
 
+// The measurement tools an operator can have on at once.
+enum Tools { Overlays = 1, BoxAndRanging = 2, AllTools = Overlays | BoxAndRanging };
+
 // Grid and polar rings on, a box around one of the room's pillars, range
-// finding on with a pair measured across the pillar: all the tools an
-// operator can have on at once. Returns the number of points in the box.
-int measuringOn(ScanDeck& window, const lidar::LidarDataPoint_V4& frame)
+// finding on with a pair measured across the pillar (as `tools` says).
+// Returns the number of points in the box.
+int measuringOn(ScanDeck& window, const lidar::LidarDataPoint_V4& frame, int tools)
 {
     window.showFrame(frame);
-    click(window, "btn_grid", true);
-    click(window, "btn_polar", true);
+    if (tools & Overlays) {
+        click(window, "btn_grid", true);
+        click(window, "btn_polar", true);
+    }
+    if (!(tools & BoxAndRanging))
+        return 0;
     const Cloud& cloud = window.frameCloud();
     const double pillarX = 2.5 * std::sin(41.5 * M_PI / 180), pillarY = 2.5 * std::cos(41.5 * M_PI / 180);
     std::vector<int> pillar;
@@ -236,7 +245,7 @@ int measuringOn(ScanDeck& window, const lidar::LidarDataPoint_V4& frame)
 
 void measuringOff(ScanDeck& window)
 {
-    window.findChild<QAbstractButton*>("btn_clear")->click();  // also ends the box
+    window.findChild<QAbstractButton*>("btn_clear")->click();  // also ends the box and the rings
     click(window, "btn_grid", false);
     click(window, "btn_ranging", false);
 }
@@ -304,20 +313,29 @@ int main(int argc, char* argv[])
     QWidget* view = window.findChild<QWidget*>("openGLWidget");
     const QSize viewSize = view->size();
 
-    BareViewer bareFull(QSize(1600, 900), QSize(1600, 900));
-    BareViewer bareView(QSize(1600, 900), viewSize);
-    BareViewer bareViewMarker(QSize(1600, 900), viewSize, true);
-    BareViewer bareViewNoMsaa(QSize(1600, 900), viewSize, false, 0);
     vtkRenderWindow* scanDeckRenderWindow = window.renderer()->GetRenderWindow();
-    const int defaultSamples = scanDeckRenderWindow->GetMultiSamples();
+    const int ownSamples = scanDeckRenderWindow->GetMultiSamples();
+    // What a render window gets when nobody chooses.
+    const int vtkSamples = vtkSmartPointer<vtkGenericOpenGLRenderWindow>::New()->GetMultiSamples();
+    BareViewer bareFull(QSize(1600, 900), QSize(1600, 900), ownSamples);
+    BareViewer bareView(QSize(1600, 900), viewSize, ownSamples);
+    BareViewer bareViewMarker(QSize(1600, 900), viewSize, ownSamples, true);
+    BareViewer bareViewMultisampled(QSize(1600, 900), viewSize, vtkSamples);
 
-    out << "ScanDeck window 1600x900, its 3D view " << viewSize.width() << "x" << viewSize.height()
-        << ", " << defaultSamples << "x multisampling"
+    out << "ScanDeck window 1600x900, its 3D view " << viewSize.width() << "x" << viewSize.height() << ", "
+        << ownSamples << "x multisampling (the render window's default: " << vtkSamples << "x)"
         << "; median of " << repeat << " runs of " << seconds << " s each; load average " << loadAverage()
         << "\n";
     out << "points  what                                         fps  ms/frame   own ms viewer ms render ms\n";
 
-    for (int points : {1000, 5000, 20000}) {
+    QList<int> sizes;
+    const int pointsAt = args.indexOf("--points");
+    for (const QString& n : pointsAt >= 0 ? args.value(pointsAt + 1).split(',') : QStringList())
+        if (n.toInt() > 0)
+            sizes << n.toInt();
+    if (sizes.isEmpty())
+        sizes = {1000, 5000, 20000};
+    for (int points : sizes) {
         std::vector<lidar::LidarDataPoint_V4> frames;
         for (int seed = 0; seed < 8; ++seed)
             frames.push_back(roomFrame(points, seed));
@@ -333,13 +351,13 @@ int main(int argc, char* argv[])
         auto* table = window.findChild<QAbstractButton*>("btn_table");
         QSize openViewSize;
         int boxPoints = 0;
-        auto scanDeckRun = [&](bool tableOpen, bool renderTwice = false, int samples = -1, bool measuring = false) {
-            scanDeckRenderWindow->SetMultiSamples(samples >= 0 ? samples : defaultSamples);
+        auto scanDeckRun = [&](bool tableOpen, bool renderTwice = false, int samples = -1, int tools = 0) {
+            scanDeckRenderWindow->SetMultiSamples(samples >= 0 ? samples : ownSamples);
             window.show();
             if (table->isChecked() != tableOpen)
                 table->click();
-            if (measuring)
-                boxPoints = measuringOn(window, frames[0]);
+            if (tools)
+                boxPoints = std::max(boxPoints, measuringOn(window, frames[0], tools));
             const Figures f = measure(seconds, [&](int i) {
                 window.showFrame(frames[i % frames.size()]);
                 Figures t = timingsOf(window);
@@ -356,9 +374,9 @@ int main(int argc, char* argv[])
                 openViewSize = view->size();
                 table->click();
             }
-            if (measuring)
+            if (tools)
                 measuringOff(window);
-            scanDeckRenderWindow->SetMultiSamples(defaultSamples);
+            scanDeckRenderWindow->SetMultiSamples(ownSamples);
             window.hide();
             return f;
         };
@@ -377,19 +395,26 @@ int main(int argc, char* argv[])
             std::function<Figures()> run;
             std::vector<Figures> runs;
         };
+        // The first four are the headline pairs: ScanDeck and the bare viewer
+        // of its view's size, both as the viewer draws (multisampling off),
+        // then both with the render window's default multisampling.
+        const QString own = QString("%1x MSAA").arg(ownSamples), vtk = QString("%1x MSAA").arg(vtkSamples);
         std::vector<Variant> variants{
-            {"ScanDeck, view " + viewName, true, [&] { return scanDeckRun(false); }, {}},
+            {"ScanDeck, view " + viewName + ", " + own, true, [&] { return scanDeckRun(false); }, {}},
+            {"bare " + viewName + " in 1600x900, " + own, false, [&] { return bareRun(bareView, false); }, {}},
+            {"ScanDeck, view " + viewName + ", " + vtk, true, [&] { return scanDeckRun(false, false, vtkSamples); }, {}},
+            {"bare " + viewName + " in 1600x900, " + vtk, false,
+             [&] { return bareRun(bareViewMultisampled, false); }, {}},
             {QString("ScanDeck, table open, view %1x%2").arg(openViewSize.width()).arg(openViewSize.height()), true,
              [&] { return scanDeckRun(true); }, {}},
             {"ScanDeck, two renders per frame", true, [&] { return scanDeckRun(false, true); }, {}},
             {"bare 1600x900, updatePointCloud", false, [&] { return bareRun(bareFull, false); }, {}},
             {"bare 1600x900, remove + add", false, [&] { return bareRun(bareFull, true); }, {}},
-            {"bare " + viewName + " in 1600x900, update", false, [&] { return bareRun(bareView, false); }, {}},
             {"bare " + viewName + " in 1600x900, rm+add", false, [&] { return bareRun(bareView, true); }, {}},
             {"  the same + orientation marker", false, [&] { return bareRun(bareViewMarker, false); }, {}},
-            {"ScanDeck, multisampling off", true, [&] { return scanDeckRun(false, false, 0); }, {}},
-            {"ScanDeck, grid+polar+box+ranging on", true, [&] { return scanDeckRun(false, false, -1, true); }, {}},
-            {"bare " + viewName + " in 1600x900, no MSAA", false, [&] { return bareRun(bareViewNoMsaa, false); }, {}},
+            {"ScanDeck, grid+polar+box+ranging on", true, [&] { return scanDeckRun(false, false, -1, AllTools); }, {}},
+            {"  grid and polar only", true, [&] { return scanDeckRun(false, false, -1, Overlays); }, {}},
+            {"  box and ranging only", true, [&] { return scanDeckRun(false, false, -1, BoxAndRanging); }, {}},
         };
         for (int r = 0; r < repeat; ++r)
             for (Variant& v : variants)
@@ -399,20 +424,33 @@ int main(int argc, char* argv[])
             result.push_back(median(v.runs));
             printRow(out, points, v.name, result.back(), v.own);
         }
-        out << QString("        ScanDeck / bare 1600x900: %1 %, / bare %2 in 1600x900: %3 %;"
-                       " own work %4 ms (goals: >= 90 %, < 2 ms at 5000)\n")
-                   .arg(100.0 * result[0].fps / result[3].fps, 0, 'f', 1)
+        out << QString("        ScanDeck / bare %1 in 1600x900: %2 % with %3, %4 % with %5;"
+                       " own work %6 ms (goals: >= 90 %, < 2 ms at 5000)\n")
                    .arg(viewName)
-                   .arg(100.0 * result[0].fps / result[5].fps, 0, 'f', 1)
+                   .arg(100.0 * result[0].fps / result[1].fps, 0, 'f', 1)
+                   .arg(own)
+                   .arg(100.0 * result[2].fps / result[3].fps, 0, 'f', 1)
+                   .arg(vtk)
                    .arg(result[0].ownMs, 0, 'f', 3);
-        const auto tools = std::find_if(variants.begin(), variants.end(),
-                                        [](const Variant& v) { return v.name.contains("ranging on"); });
-        const Figures& measuring = result[size_t(tools - variants.begin())];
-        out << QString("        measuring tools on (box of %1 points) / off: %2 % of the frame rate, own work %3 ms"
-                       " (goals: >= 90 %, < 2 ms at 5000)\n")
+        auto resultOf = [&](const QString& name) {
+            const auto found = std::find_if(variants.begin(), variants.end(),
+                                            [&](const Variant& v) { return v.name == name; });
+            return result[size_t(found - variants.begin())];
+        };
+        const Figures measuring = resultOf("ScanDeck, grid+polar+box+ranging on");
+        out << QString("        measuring tools on (box of %1 points) / off: %2 % of the frame rate, render %3 ms more,"
+                       " own work %4 ms (goals: >= 90 %, < 2 ms at 5000)\n")
                    .arg(boxPoints)
                    .arg(100.0 * measuring.fps / result[0].fps, 0, 'f', 1)
+                   .arg(measuring.renderMs - result[0].renderMs, 0, 'f', 2)
                    .arg(measuring.ownMs, 0, 'f', 3);
+        for (const QString& part : {QString("  grid and polar only"), QString("  box and ranging only")}) {
+            const Figures f = resultOf(part);
+            out << QString("          %1: %2 % of the frame rate, render %3 ms more\n")
+                       .arg(part.trimmed())
+                       .arg(100.0 * f.fps / result[0].fps, 0, 'f', 1)
+                       .arg(f.renderMs - result[0].renderMs, 0, 'f', 2);
+        }
 
         // One mouse move over the view: readouts only (nothing to redraw),
         // then with the ranging rubber band following the cursor.

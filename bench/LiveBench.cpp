@@ -2,11 +2,13 @@
 // way a user connects it, measured. Prints figures; asserts nothing.
 //
 //   stream   The lidar streams for --seconds at --rate times the normal rate
-//            (600 rpm), optionally with --drop/--corrupt/--junk faults.
-//            Reports revolutions sent, frames the decoder completed, frames
-//            the window drew, the resident memory once a second and at the
-//            end, and the CPU time of the viewer (the sender's own time is
-//            taken out).
+//            (600 rpm), optionally with --drop/--corrupt/--junk faults,
+//            while the window records it. Reports revolutions sent, frames
+//            the decoder completed, frames the window drew and skipped, the
+//            latency from a frame's completion to the end of its drawing,
+//            the resident memory every five seconds and at the end, the CPU
+//            time of the viewer (the sender's own time is taken out), and
+//            the packets sent against those in the recording.
 //   latency  At the normal rate: from the sending of the datagram that
 //            completes a revolution to the end of drawing that frame.
 //   open     Time and peak memory to open a recording in the player.
@@ -18,7 +20,9 @@
 
 #include "LIdarFactory.h"
 #include "LidarAnalysis.h"
+#include "LiveFrameQueue.h"
 #include "OffinePlayWidget.h"
+#include "RecordFile.h"
 #include "ScanDeck.h"
 #include "SimFaultInjector.h"
 #include "SimModel.h"
@@ -32,7 +36,10 @@
 #include <QEventLoop>
 #include <QFile>
 #include <QHostAddress>
+#include <QPixmap>
 #include <QPushButton>
+#include <QScreen>
+#include <QTemporaryDir>
 #include <QThread>
 #include <QTimer>
 #include <QUdpSocket>
@@ -199,6 +206,7 @@ void pause(int ms)
 struct Counters {
     std::atomic<quint64> decoded{0};  // frames the session sent (on its thread)
     quint64 drawn = 0;                // frames the window has drawn
+    std::vector<double> latencyMs;    // completion to drawn, per drawn frame
 };
 
 // Connects the window to the sender's port and counts frames on both sides.
@@ -214,17 +222,37 @@ bool connectWindow(ScanDeck& window, const QString& model, quint16 dataPort, Cou
             QObject::connect(session, &LidarAnalysis::SendleLidarDataSignal, session,
                              [&counters](const lidar::LidarDataPoint_V4&) { ++counters.decoded; },
                              Qt::DirectConnection);
-            // Queued after the window's own display slot: runs once it has drawn.
-            QObject::connect(session, &LidarAnalysis::SendleLidarDataSignal, &window,
-                             [&counters] { ++counters.drawn; });
+            // After the window's own display slot: runs once it has drawn.
+            QObject::connect(window.liveFrames(), &LiveFrameQueue::frameReady, &window, [&counters, &window] {
+                ++counters.drawn;
+                const ScanDeck::FrameTimings& t = window.lastFrameTimings();
+                const qint64 drawNs = t.ownNs + t.viewerNs + t.renderNs;
+                counters.latencyMs.push_back((window.liveFrames()->lastWaitNs() + drawNs) / 1e6);
+            });
             return true;
         }
     }
     return false;
 }
 
+double percentile(std::vector<double> values, double q)
+{
+    if (values.empty())
+        return 0.0;
+    std::sort(values.begin(), values.end());
+    return values[std::min(values.size() - 1, size_t(q * double(values.size())))];
+}
+
+// The window as the screen shows it, half size, into a PNG.
+void saveScreenshot(ScanDeck& window, const QString& path)
+{
+    const QPixmap shot = window.screen()->grabWindow(0, window.x(), window.y(), window.width(), window.height());
+    if (!shot.scaledToWidth(window.width() / 2, Qt::SmoothTransformation).save(path))
+        std::fprintf(stderr, "cannot save %s\n", qPrintable(path));
+}
+
 int runStream(ScanDeck& window, const QString& modelName, sim::Model model, double rate, double seconds,
-              const sim::FaultOptions& faults)
+              const sim::FaultOptions& faults, const QString& screenshot)
 {
     const quint16 port = freePort();
     PacedSender sender(model, 600.0 * rate, faults, port);
@@ -232,6 +260,14 @@ int runStream(ScanDeck& window, const QString& modelName, sim::Model model, doub
     Counters counters;
     if (!connectWindow(window, modelName, port, counters)) {
         std::fprintf(stderr, "no frame arrived\n");
+        return 1;
+    }
+    LidarAnalysis* session = window.session().get();
+    QTemporaryDir dir;
+    const QString recording = dir.filePath(QStringLiteral("stream.txt"));
+    const quint64 packetsAtStart = sender.packets();
+    if (!session->StartSaveData(recording)) {
+        std::fprintf(stderr, "cannot record to %s\n", qPrintable(recording));
         return 1;
     }
     const quint64 revolutionsAtStart = sender.revolutions();
@@ -243,10 +279,11 @@ int runStream(ScanDeck& window, const QString& modelName, sim::Model model, doub
     double rssMax = rssStart;
     std::printf("stream %s x%.0f drop %.3f corrupt %.3f junk %.3f, %.0f s, load %s\n", qPrintable(modelName), rate,
                 faults.drop, faults.corrupt, faults.junk, seconds, qPrintable(loadAverage()));
-    std::printf("  t(s)  RSS(MiB)  sent  decoded  drawn  not-drawn\n");
+    std::printf("  t(s)  RSS(MiB)  sent  decoded  drawn  skipped  waiting  latency p50/max (ms)\n");
     QElapsedTimer clock;
     clock.start();
     int nextReport = 1;
+    size_t latencyFrom = 0;
     while (clock.elapsed() < seconds * 1000) {
         pause(50);
         const double rss = rssMiB();
@@ -255,28 +292,47 @@ int runStream(ScanDeck& window, const QString& modelName, sim::Model model, doub
             ++nextReport;
             const quint64 decoded = counters.decoded.load() - decodedAtStart;
             const quint64 drawn = counters.drawn - drawnAtStart;
-            std::printf("  %4lld  %8.1f  %4llu  %7llu  %5llu  %7lld\n", clock.elapsed() / 1000, rss,
+            const std::vector<double> recent(counters.latencyMs.begin() + long(latencyFrom), counters.latencyMs.end());
+            latencyFrom = counters.latencyMs.size();
+            std::printf("  %4lld  %8.1f  %4llu  %7llu  %5llu  %7llu  %7d  %7.1f / %.1f\n", clock.elapsed() / 1000, rss,
                         (unsigned long long)(sender.revolutions() - revolutionsAtStart), (unsigned long long)decoded,
-                        (unsigned long long)drawn, (long long)(decoded - drawn));
+                        (unsigned long long)drawn, (unsigned long long)window.liveFrames()->skippedFrames(),
+                        window.liveFrames()->waitingFrames(), percentile(recent, 0.5),
+                        recent.empty() ? 0.0 : *std::max_element(recent.begin(), recent.end()));
             std::fflush(stdout);
         }
     }
     const double elapsed = clock.elapsed() / 1000.0;
     const quint64 sent = sender.revolutions() - revolutionsAtStart;
     const double viewerCpu = (processCpuSeconds() - cpuAtStart) - (sender.cpuSeconds() - senderCpuAtStart);
+    if (!screenshot.isEmpty())
+        saveScreenshot(window, screenshot);
     sender.stop();
+    const quint64 packetsSent = sender.packets() - packetsAtStart;
     const quint64 decodedWhileSending = counters.decoded.load() - decodedAtStart;
-    pause(3000);  // let what is queued be drawn
+    pause(1500);  // the last datagrams arrive, what waits is drawn
+    session->EndSaveData();
     const quint64 decoded = counters.decoded.load() - decodedAtStart;
     const quint64 drawn = counters.drawn - drawnAtStart;
-    std::printf("  revolutions sent %llu, frames decoded %llu (%llu while sending), drawn %llu (%.1f%% of sent), "
-                "still queued %lld\n",
+    const quint64 skipped = window.liveFrames()->skippedFrames();
+    std::printf("  revolutions sent %llu, frames decoded %llu (%llu while sending), drawn %llu (%.1f%% of decoded), "
+                "skipped by the display %llu, still waiting %d\n",
                 (unsigned long long)sent, (unsigned long long)decoded, (unsigned long long)decodedWhileSending,
-                (unsigned long long)drawn, sent ? 100.0 * double(drawn) / double(sent) : 0.0,
-                (long long)(decoded - drawn));
-    std::printf("  RSS start %.1f MiB, max %.1f MiB, after draining %.1f MiB\n", rssStart, rssMax, rssMiB());
+                (unsigned long long)drawn, decoded ? 100.0 * double(drawn) / double(decoded) : 0.0,
+                (unsigned long long)skipped, window.liveFrames()->waitingFrames());
+    std::printf("  latency from completion to drawn: median %.1f ms, p99 %.1f ms, max %.1f ms\n",
+                percentile(counters.latencyMs, 0.5), percentile(counters.latencyMs, 0.99),
+                percentile(counters.latencyMs, 1.0));
+    std::printf("  RSS start %.1f MiB, max %.1f MiB (%+.1f), end %.1f MiB\n", rssStart, rssMax, rssMax - rssStart,
+                rssMiB());
     std::printf("  viewer CPU %.1f%% of one core (%.1f s over %.1f s)\n", 100.0 * viewerCpu / elapsed, viewerCpu,
                 elapsed);
+    // The recording holds every packet that arrived, whatever the display
+    // skipped (its header: the model name, for Tern_P the version too).
+    const lidar::RecordLayout layout = lidar::scanRecordFile(recording);
+    const qint64 header = modelName == QLatin1String("Tern_P") ? 2 : 1;
+    std::printf("  packets sent while recording %llu, in the recording %lld (%s)\n", (unsigned long long)packetsSent,
+                qint64(layout.complete) - header, layout.isWhole() ? "complete file" : "FILE INCOMPLETE");
     return 0;
 }
 
@@ -293,7 +349,7 @@ int runLatency(ScanDeck& window, const QString& modelName, sim::Model model, dou
     std::vector<double> latenciesMs;
     ScanDeck::FrameTimings spent;  // summed over the frames measured
     const double periodMs = 100.0;
-    QObject::connect(window.session().get(), &LidarAnalysis::SendleLidarDataSignal, &window, [&] {
+    QObject::connect(window.liveFrames(), &LiveFrameQueue::frameReady, &window, [&] {
                          const qint64 now = PacedSender::nowNs();
                          const qint64 sent = sender.lastBoundaryBefore(now);
                          if (sent >= 0 && (now - sent) / 1e6 < periodMs)
@@ -369,6 +425,8 @@ int main(int argc, char** argv)
                       QStringLiteral("0")});
     parser.addOption({QStringLiteral("junk"), QStringLiteral("Junk before a packet probability."),
                       QStringLiteral("p"), QStringLiteral("0")});
+    parser.addOption({QStringLiteral("screenshot"), QStringLiteral("stream: save the window at the end (PNG)."),
+                      QStringLiteral("file")});
     parser.process(app);
     const QStringList args = parser.positionalArguments();
     const QString mode = args.value(0);
@@ -397,7 +455,8 @@ int main(int argc, char** argv)
         pause(500);
         if (mode == QLatin1String("stream"))
             status = runStream(window, modelName, model, parser.value(QStringLiteral("rate")).toDouble(),
-                               parser.value(QStringLiteral("seconds")).toDouble(), faults);
+                               parser.value(QStringLiteral("seconds")).toDouble(), faults,
+                               parser.value(QStringLiteral("screenshot")));
         else if (mode == QLatin1String("latency"))
             status = runLatency(window, modelName, model, parser.value(QStringLiteral("seconds")).toDouble());
         else if (mode == QLatin1String("open") && args.size() == 2)

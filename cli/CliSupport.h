@@ -59,5 +59,6 @@ private:
 int runConvert(const QStringList& arguments);
 int runInfo(const QStringList& arguments);
 int runListen(const QStringList& arguments);
+int runRepair(const QStringList& arguments);
 
 }  // namespace cli

@@ -45,8 +45,11 @@ const char* const kHelp =
     "  --end-angle <deg>      write only points with azimuth <= B (A..360, default 360)\n"
     "  -h, --help             show this help\n"
     "\n"
-    "Single files appear only once complete. Exit status: 0 success, 1 the\n"
-    "input could not be converted, 2 bad arguments.\n";
+    "The input is read once, a piece at a time, and each frame is written as it\n"
+    "is decoded, so any length fits in a little memory. Single files appear only\n"
+    "once complete; the frames before a damaged part of the input may already\n"
+    "be out on standard output or as files of their own. Exit status: 0 success,\n"
+    "1 the input could not be converted, 2 bad arguments.\n";
 
 // CSV through the same writer as the viewer's export.
 class CsvFrameWriter : public FrameWriter {

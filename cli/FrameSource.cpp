@@ -5,6 +5,7 @@
 #include "RecordFile.h"
 #include "RecordingCheck.h"
 #include "RecordingHeader.h"
+#include "RecordingStream.h"
 #include "TernProtocol.h"
 
 #include <QDateTime>
@@ -17,33 +18,37 @@ QString knownModels()
     return LIdarFactory::GetInstance()->ModelNames().join(QStringLiteral(", "));
 }
 
+// A recording is read once, front to back in pieces, and decoded frame by
+// frame; what 'info' tells about its packets is gathered on the same pass.
 class RecordingSource : public FrameSource {
 public:
-    RecordingSource(QString path, RecordingCheck check) : path_(std::move(path)), check_(std::move(check)) {}
+    explicit RecordingSource(std::unique_ptr<lidar::RecordingStream> stream) : stream_(std::move(stream)) {}
 
-    QString model() const override { return check_.model; }
+    QString model() const override { return stream_->model(); }
 
     bool run(const FrameSink& sink, QString& error) override
     {
-        auto parsed = LIdarFactory::GetInstance()->ParseFile(path_);
-        QVector<lidar::LidarDataPoint_V4>& frames = parsed.second;
-        for (int i = 0; i < frames.size(); ++i) {
-            lidar::LidarDataPoint_V4 frame = std::move(frames[i]);
-            frames[i] = lidar::LidarDataPoint_V4();  // done with it: give the memory back early
-            if (!sink(frame))
-                break;
+        if (hasGpsTime()) {
+            stream_->setPacketObserver([this](const QByteArray& packet) {
+                if (calendarOffset(packet) < 0)
+                    return;
+                if (first_.isNull())
+                    first_ = packet;
+                last_ = packet;
+            });
         }
-        Q_UNUSED(error);
-        return true;
+        if (stream_->run(sink) || stream_->problem() != lidar::RecordingStream::Problem::Damaged)
+            return true;  // complete, or the sink stopped it
+        error = damageText(*stream_);
+        return false;
     }
 
     QStringList details() const override
     {
-        const QVector<QByteArray> packets = recordedPackets();
         QStringList lines;
-        if (check_.model == QLatin1String("Tern_P"))
-            lines << QStringLiteral("version number:    %1").arg(QString::fromLatin1(version_));
-        lines << QStringLiteral("packets:           %1").arg(packets.size());
+        if (lidar::recordPrefixElements(model()) > 0)
+            lines << QStringLiteral("version number:    %1").arg(QString::fromLatin1(stream_->versionElement()));
+        lines << QStringLiteral("packets:           %1").arg(stream_->packets());
         return lines;
     }
 
@@ -51,54 +56,37 @@ public:
     {
         if (!hasGpsTime())
             return {};
-        const QVector<QByteArray> packets = recordedPackets();
-        return {QStringLiteral("first packet time: %1").arg(packetTime(packets, true)),
-                QStringLiteral("last packet time:  %1").arg(packetTime(packets, false))};
+        return {QStringLiteral("first packet time: %1").arg(packetTime(first_)),
+                QStringLiteral("last packet time:  %1").arg(packetTime(last_))};
     }
 
 private:
-    // The packets after the model name (and Tern_P's version number).
-    QVector<QByteArray> recordedPackets() const
-    {
-        QVector<QByteArray> packets = lidar::readRecordFile(path_);
-        if (!packets.isEmpty())
-            packets.removeFirst();
-        if (check_.model == QLatin1String("Tern_P") && !packets.isEmpty())
-            version_ = packets.takeFirst();
-        return packets;
-    }
-
     bool hasGpsTime() const
     {
-        return check_.model == QLatin1String("Tern_GPS") || check_.model == QLatin1String("Tern_P")
-               || check_.model == QLatin1String("Tern_Plus");
+        return model() == QLatin1String("Tern_GPS") || model() == QLatin1String("Tern_P")
+               || model() == QLatin1String("Tern_Plus");
     }
 
     // Where a data packet carries its calendar time: Tern_GPS packets at 90,
     // length-field packets 12 bytes before their end; -1: not a data packet.
     int calendarOffset(const QByteArray& packet) const
     {
-        if (check_.model == QLatin1String("Tern_GPS"))
+        if (model() == QLatin1String("Tern_GPS"))
             return packet.size() == 102 ? 90 : -1;
         if (packet.size() >= 20 && lidar::tern::lengthFieldMatches(packet))
             return packet.size() - 12;
         return -1;
     }
 
-    QString packetTime(const QVector<QByteArray>& packets, bool first) const
+    QString packetTime(const QByteArray& packet) const
     {
-        for (int k = 0; k < packets.size(); ++k) {
-            const QByteArray& packet = packets[first ? k : packets.size() - 1 - k];
-            const int offset = calendarOffset(packet);
-            if (offset >= 0)
-                return lidar::tern::dateTimeText(lidar::tern::readCalendar(packet, offset));
-        }
-        return QStringLiteral("none (no data packet)");
+        if (packet.isNull())
+            return QStringLiteral("none (no data packet)");
+        return lidar::tern::dateTimeText(lidar::tern::readCalendar(packet, calendarOffset(packet)));
     }
 
-    QString path_;
-    RecordingCheck check_;
-    mutable QByteArray version_;
+    std::unique_ptr<lidar::RecordingStream> stream_;
+    QByteArray first_, last_;  // the first and last data packets with a calendar time
 };
 
 class CaptureSource : public FrameSource {
@@ -172,18 +160,19 @@ std::unique_ptr<FrameSource> openFrameSource(const QString& path, const SourceOp
         }
         return std::make_unique<CaptureSource>(path, options);
     }
-    RecordingCheck check = checkRecording(path);
-    if (!check.ok) {
+    auto stream = std::make_unique<lidar::RecordingStream>(path);
+    QString problem;
+    if (!openRecording(*stream, problem)) {
         // The details stay: they show where the bytes stop making sense.
-        error = beginsLikeRecording(path) ? QStringLiteral("%1: %2").arg(path, check.problem)
-                                          : QStringLiteral("%1: not a ScanDeck recording: %2").arg(path, check.problem);
+        error = beginsLikeRecording(path) ? QStringLiteral("%1: %2").arg(path, problem)
+                                          : QStringLiteral("%1: not a ScanDeck recording: %2").arg(path, problem);
         return nullptr;
     }
-    if (!options.model.isEmpty() && options.model != check.model) {
-        error = QStringLiteral("%1: the recording is of model %2, not %3").arg(path, check.model, options.model);
+    if (!options.model.isEmpty() && options.model != stream->model()) {
+        error = QStringLiteral("%1: the recording is of model %2, not %3").arg(path, stream->model(), options.model);
         return nullptr;
     }
-    return std::make_unique<RecordingSource>(path, std::move(check));
+    return std::make_unique<RecordingSource>(std::move(stream));
 }
 
 }  // namespace cli

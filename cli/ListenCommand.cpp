@@ -4,6 +4,7 @@
 #include "FrameListener.h"
 #include "IniSettings.h"
 #include "LIdarFactory.h"
+#include "RunOnThread.h"
 #include "TerminationSignals.h"
 
 #include <QCommandLineParser>
@@ -141,7 +142,7 @@ int parseListenOptions(const QStringList& arguments, ListenOptions& o)
 QString transportProblem(LidarAnalysis* session, bool network)
 {
     QString problem;
-    QMetaObject::invokeMethod(
+    lidar::runOnThreadOf(
         session,
         [&] {
             if (network) {
@@ -152,8 +153,7 @@ QString transportProblem(LidarAnalysis* session, bool network)
                 problem = QStringLiteral("cannot open serial port: %1")
                               .arg(session->serialPort ? session->serialPort->errorString() : QStringLiteral("no port"));
             }
-        },
-        Qt::BlockingQueuedConnection);
+        });
     return problem;
 }
 
@@ -161,17 +161,16 @@ QString transportProblem(LidarAnalysis* session, bool network)
 // own thread so that no packet is appended while the file is written.
 bool closeSession(LidarAnalysis* session, bool recording, QString& recordError)
 {
-    QMetaObject::invokeMethod(
+    lidar::runOnThreadOf(
         session,
         [&] {
             session->DisconnectLidar();
+            // A write that failed during the recording already ended it.
             if (recording) {
                 session->EndSaveData();
-                if (session->saveFile.error() != QFileDevice::NoError)
-                    recordError = session->saveFile.errorString();
+                recordError = session->saveError;
             }
-        },
-        Qt::BlockingQueuedConnection);
+        });
     return recordError.isEmpty();
 }
 
@@ -232,7 +231,7 @@ int runListen(const QStringList& arguments)
         confirmedType = lidar::SerialPortConnection;
     }
     if (!o.record.isEmpty() && !session->StartSaveData(o.record))
-        return fileError(o.record, QStringLiteral("cannot write: %1").arg(session->saveFile.errorString()));
+        return fileError(o.record, QStringLiteral("cannot write: %1").arg(session->saveError));
 
     FrameListener listener(session, o.frames, csv.get(), confirmedType);
     QObject::connect(&listener, &FrameListener::finished, QCoreApplication::instance(), &QCoreApplication::exit,

@@ -1,19 +1,16 @@
 #pragma once
-// Checks a recorded data file before it is parsed, so that the tool can say
-// what is wrong with it: the parse itself quietly returns nothing for a
-// missing, empty, damaged or foreign file.
+// Opens a recording for the commands and says, in one line, what is wrong
+// with it: the streamed decoding itself quietly gives nothing for a missing,
+// empty, damaged or foreign file.
+
+#include "RecordingStream.h"
 
 #include <QString>
-#include <QtGlobal>
 
-struct RecordingCheck {
-    bool ok = false;
-    QString problem;          // one line, without the file name; set when !ok
-    QString model;            // element 0, the model's class name
-    quint32 elementCount = 0; // as the file announces it
-};
+// Opens `stream`; false with `problem` (one line, without the file name) for
+// a file that cannot be opened, is empty or too short, holds no elements,
+// ends early, or is of a model that is not registered.
+bool openRecording(lidar::RecordingStream& stream, QString& problem);
 
-// Walks the element lengths without loading the packets. Fails for a file
-// that cannot be opened, an empty file, a count or length that runs past the
-// end of the file, and a model name that is not registered.
-RecordingCheck checkRecording(const QString& fileName);
+// The line for a recording that run() found damaged.
+QString damageText(const lidar::RecordingStream& stream);

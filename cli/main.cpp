@@ -18,6 +18,8 @@ const char* const kUsage =
     "  info <recording|capture> [--model <Name>]\n"
     "          model, packets, frames, points and packet times of a recording\n"
     "          or a capture\n"
+    "  repair <recording>\n"
+    "          make a recording cut short by a crash readable again\n"
     "  listen --model <Name> (--udp <ip>:<port> [--lidar <ip>:<port>] | --serial <port> [--baud <n>])\n"
     "         [--frames <n>] [--timeout <s>] [-o <out.csv>] [--record <file>]\n"
     "          receive frames from a live lidar\n"
@@ -51,6 +53,8 @@ int run(const QStringList& arguments)
         return cli::runInfo(rest);
     if (command == QLatin1String("listen"))
         return cli::runListen(rest);
+    if (command == QLatin1String("repair"))
+        return cli::runRepair(rest);
     cli::printError(QStringLiteral("unknown command '%1' (see scandeck-cli --help)").arg(command));
     return cli::UsageError;
 }

@@ -3,6 +3,7 @@
 #include "NumberText.h"
 
 #include <QIODevice>
+#include <cstring>
 
 namespace {
 
@@ -36,9 +37,8 @@ char* writeLine(char* out, int frameNumber, int32_t id, const lidar::LidarPoint&
 
 }  // namespace
 
-CsvWriter::CsvWriter(QIODevice* device) : device_(device)
+CsvWriter::CsvWriter(QIODevice* device) : device_(device), pending_(kChunk + kMaxLine, '\0')
 {
-    pending_.reserve(kChunk + kMaxLine);
 }
 
 CsvWriter::~CsvWriter()
@@ -59,7 +59,9 @@ bool CsvWriter::inAngleRange(float azimuth, float startAngle, float endAngle)
 
 void CsvWriter::writeHeader()
 {
-    pending_.append(kHeader);
+    const size_t length = std::strlen(kHeader);
+    std::memcpy(pending_.data() + used_, kHeader, length);
+    used_ += int(length);
     writePending(false);
 }
 
@@ -79,10 +81,9 @@ qint64 CsvWriter::writeFrame(int frameNumber, const lidar::LidarDataPoint_V4& fr
 
 void CsvWriter::writePoint(int frameNumber, int32_t id, const lidar::LidarPoint& point)
 {
-    const int used = pending_.size();
-    pending_.resize(used + kMaxLine);
-    char* end = writeLine(pending_.data() + used, frameNumber, id, point);
-    pending_.resize(int(end - pending_.constData()));
+    // The buffer always has room for one more line after the last flush.
+    char* start = pending_.data();
+    used_ = int(writeLine(start + used_, frameNumber, id, point) - start);
     writePending(false);
 }
 
@@ -94,11 +95,11 @@ QByteArray CsvWriter::pointLine(int frameNumber, int32_t id, const lidar::LidarP
 
 void CsvWriter::writePending(bool force)
 {
-    if (pending_.isEmpty() || (!force && pending_.size() < kChunk))
+    if (used_ == 0 || (!force && used_ < kChunk))
         return;
-    if (!device_ || !device_->isWritable() || device_->write(pending_) != pending_.size())
+    if (!device_ || !device_->isWritable() || device_->write(pending_.constData(), used_) != used_)
         failed_ = true;
-    pending_.resize(0);  // keeps the capacity
+    used_ = 0;
 }
 
 bool CsvWriter::flush()

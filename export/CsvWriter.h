@@ -47,7 +47,8 @@ private:
     void writePending(bool force);
 
     QIODevice* device_;
-    QByteArray pending_;
+    QByteArray pending_;  // a fixed buffer; the lines not yet handed over are its first used_ bytes
+    int used_ = 0;
     float startAngle_ = 0.0f;
     float endAngle_ = 360.0f;
     bool failed_ = false;

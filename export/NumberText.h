@@ -20,5 +20,9 @@ char* writeInteger(char* out, int64_t value);
 
 QByteArray shortest(float value);
 QByteArray shortest(double value);
+// The same text always found the general way, from the shortest digits,
+// without the shortcut for values on a decimal grid (to check the shortcut).
+QByteArray shortestByDigits(float value);
+QByteArray shortestByDigits(double value);
 
 }  // namespace numbertext

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <limits>
 
 namespace capture {
 namespace {
@@ -44,6 +45,16 @@ QString formatName(Format format)
         break;
     }
     return QStringLiteral("unknown");
+}
+
+// A record's time stamp (seconds and, as asked, nanoseconds) in nanoseconds
+// since 1970. pcapng stamps are 64-bit counts of any unit, so they can lie
+// beyond the year 2262; those are held at the last time 64 bits can carry.
+qint64 nanosecondsOf(const timeval& stamp)
+{
+    constexpr qint64 kMaxSeconds = std::numeric_limits<qint64>::max() / 1000000000 - 1;
+    const qint64 seconds = std::clamp<qint64>(stamp.tv_sec, 0, kMaxSeconds);
+    return seconds * 1000000000 + std::clamp<qint64>(stamp.tv_usec, 0, 999999999);
 }
 
 }  // namespace
@@ -148,7 +159,7 @@ void CaptureFile::readDatagrams(quint16 port, const PayloadSink& sink)
             break;
         }
         ++summary_.packets;
-        timeNs = qint64(header->ts.tv_sec) * 1000000000 + qint64(header->ts.tv_usec);  // nanoseconds, as asked
+        timeNs = nanosecondsOf(header->ts);
         extractor.feed(data, header->caplen, header->len, forward);
     }
     extractor.finish();

@@ -1,10 +1,99 @@
 #include "DecodeCommon.h"
 
+#include <algorithm>
+#include <memory>
+
 namespace lidar {
 namespace decode {
 
 const QByteArray kHeader("\xA5\x5A", 2);
 const QByteArray kTrailer("\xFA\xFB", 2);
+
+void keepUnconsumed(QByteArray& buffer, int used, int maxPending)
+{
+    const Bytes bytes(buffer);
+    const int size = bytes.size;
+    // Without a header nothing can start a packet but a last A5.
+    const auto headerlessTail = [&] { return size > used && u8(bytes, size - 1) == 0xA5 ? size - 1 : size; };
+    const int header = findHeader(bytes, used);
+    int keepFrom = used;
+    if (header < 0) {
+        keepFrom = headerlessTail();
+    } else if (size - used > maxPending) {
+        keepFrom = header;
+        if (size - header > maxPending) {
+            const int fits = findHeader(bytes, size - maxPending);
+            keepFrom = fits >= 0 ? fits : headerlessTail();
+        }
+    }
+    if (keepFrom > 0)
+        buffer.remove(0, keepFrom);
+}
+
+SinCos computeSinCos(double azimuth)
+{
+    const double angle = azimuth * 3.141592653589793 / 180.0;
+    return {std::sin(angle), std::cos(angle)};
+}
+
+namespace {
+
+constexpr uint64_t kNoKey = ~uint64_t(0);  // a NaN: no azimuth has these bits
+
+// Reached without a guard; the owner frees the table with the thread.
+thread_local AzimuthTrig* t_trig = nullptr;
+
+}  // namespace
+
+AzimuthTrig::AzimuthTrig()
+{
+    for (auto& set : sets_)
+        for (Entry& entry : set)
+            entry.key = kNoKey;
+}
+
+AzimuthTrig& AzimuthTrig::forThisThread()
+{
+    if (Q_LIKELY(t_trig))
+        return *t_trig;
+    struct Owner {
+        std::unique_ptr<AzimuthTrig> table{new AzimuthTrig};
+        ~Owner() { t_trig = nullptr; }
+    };
+    thread_local Owner owner;
+    t_trig = owner.table.get();
+    return *t_trig;
+}
+
+SinCos AzimuthTrig::miss(Entry* set, uint64_t key, double azimuth)
+{
+    const SinCos value = computeSinCos(azimuth);
+    if (key != kNoKey) {
+        std::copy_backward(set, set + kWays - 1, set + kWays);
+        set[0] = {key, value};
+    }
+    return value;
+}
+
+std::vector<LidarPoint>& FrameLines::lookUp(int32_t id)
+{
+    std::vector<LidarPoint>& line = frame_.points[id];
+    if (id == 0 || id == 1) {
+        lines_[id] = &line;
+        if (line.capacity() < expected_[id])
+            line.reserve(expected_[id]);
+    }
+    return line;
+}
+
+void assignLatin1(QString& target, const char* text, int length)
+{
+    // resize() keeps the storage when the string is not shared.
+    target.resize(length);
+    QChar* out = target.data();
+    for (int i = 0; i < length; ++i)
+        out[i] = QLatin1Char(text[i]);
+}
 
 QByteArray commandPacket(uint8_t commandClass, uint8_t code, uint8_t parameter,
                          std::initializer_list<std::pair<int, uint8_t>> extra)
@@ -22,7 +111,7 @@ QByteArray commandPacket(uint8_t commandClass, uint8_t code, uint8_t parameter,
     return packet;
 }
 
-QString versionText(const QByteArray& reply, int offset, bool signedBytes)
+QString versionText(Bytes reply, int offset, bool signedBytes)
 {
     auto at = [&](int i) { return signedBytes ? int(s8(reply, offset + i)) : int(u8(reply, offset + i)); };
     return QStringLiteral("%1.%2.%3-V%4.%5.%6")

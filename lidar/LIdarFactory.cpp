@@ -1,6 +1,6 @@
 #include "LIdarFactory.h"
 
-#include "RecordFile.h"
+#include "RecordingParse.h"
 #include "Tern.h"
 #include "Tern_GPS.h"
 #include "Tern_P.h"
@@ -39,8 +39,14 @@ LIdarFactory::LIdarFactory() : QObject(nullptr)
     };
     for (const QMetaObject* mo : models)
         RegisterClass(mo);
+    const BatchParseFunction batchParsers[] = {
+        &Wren_Kite::ParseRecordedBatch, &Wren_Plus::ParseRecordedBatch, &Tern::ParseRecordedBatch,
+        &Tern_GPS::ParseRecordedBatch,  &Tern_P::ParseRecordedBatch,    &Tern_Plus::ParseRecordedBatch,
+    };
     for (size_t i = 0; i < sizeof(parsers) / sizeof(parsers[0]); ++i)
         RegisterParseFunction(QString::fromLatin1(models[i]->className()), parsers[i]);
+    for (size_t i = 0; i < sizeof(batchParsers) / sizeof(batchParsers[0]); ++i)
+        RegisterBatchParseFunction(QString::fromLatin1(models[i]->className()), batchParsers[i]);
 }
 
 LIdarFactory::~LIdarFactory()
@@ -67,6 +73,12 @@ void LIdarFactory::RegisterClass(const QMetaObject* metaObject)
 void LIdarFactory::RegisterParseFunction(const QString& name, const ParseFunction& function)
 {
     parseMap.insert(name, function);
+    batchParseMap.remove(name);  // a batch form would bypass the new function
+}
+
+void LIdarFactory::RegisterBatchParseFunction(const QString& name, const BatchParseFunction& function)
+{
+    batchParseMap.insert(name, function);
 }
 
 QStringList LIdarFactory::ModelNames() const
@@ -142,12 +154,8 @@ std::shared_ptr<LidarAnalysis> LIdarFactory::GetCurrentLidar()
 
 QPair<QString, QVector<lidar::LidarDataPoint_V4>> LIdarFactory::ParseFile(const QString& fileName)
 {
-    QVector<QByteArray> elements = lidar::readRecordFile(fileName);
-    if (elements.isEmpty())
-        return {};  // "File has no data"
-    const QString name = QString::fromUtf8(elements.takeFirst());
-    const auto parser = parseMap.constFind(name);
-    if (parser == parseMap.constEnd())
-        return {name, {}};
-    return {name, (*parser)(elements)};
+    // A file that cannot be read or holds no element ("File has no data")
+    // gives an empty name; an unregistered model its name and no frames.
+    const lidar::ParsedRecording parsed = lidar::parseRecording(fileName);
+    return {parsed.model, parsed.frames};
 }

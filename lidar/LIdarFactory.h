@@ -19,6 +19,10 @@
 class QThread;
 
 using ParseFunction = std::function<QVector<lidar::LidarDataPoint_V4>(const QVector<QByteArray>&)>;
+// The same parse fed a recording's packets a batch at a time, for long
+// recordings: appends the frames a batch completes and returns false once a
+// packet ended the parse (lidar::decode::BatchParse).
+using BatchParseFunction = std::function<bool(const QVector<QByteArray>&, QVector<lidar::LidarDataPoint_V4>&)>;
 
 class LIdarFactory : public QObject {
     Q_OBJECT
@@ -26,7 +30,10 @@ public:
     static LIdarFactory* GetInstance();
 
     void RegisterClass(const QMetaObject* metaObject);
+    // A parse function registered on its own, without a batch form, is
+    // called once with all packets of a recording.
     void RegisterParseFunction(const QString& name, const ParseFunction& function);
+    void RegisterBatchParseFunction(const QString& name, const BatchParseFunction& function);
 
     std::shared_ptr<LidarAnalysis> CreateLidar(const QString& className);
     std::shared_ptr<LidarAnalysis> ChangeLidar(const QString& className);
@@ -49,6 +56,7 @@ public:
     std::shared_ptr<LidarAnalysis> currentLidar;
     QMap<const char*, const QMetaObject*> classMap;
     QMap<QString, ParseFunction> parseMap;
+    QMap<QString, BatchParseFunction> batchParseMap;
 
 private:
     void stopWorker();

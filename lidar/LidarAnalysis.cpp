@@ -16,6 +16,9 @@ LidarAnalysis::LidarAnalysis(QObject* parent) : QObject(parent)
     connect(this, &LidarAnalysis::SendDataToLidarSignal, this, &LidarAnalysis::WriteToLidar);
     connect(this, &LidarAnalysis::SendConnectSignal, this, &LidarAnalysis::ConnectLidar);
     connect(this, &LidarAnalysis::SendDisConnectSignal, this, &LidarAnalysis::DisconnectLidar);
+    // Removing a consumed packet would otherwise free the buffer every time.
+    receiveBuffer.reserve(4096);
+    clock_.start();
 }
 
 LidarAnalysis::~LidarAnalysis() = default;
@@ -27,6 +30,7 @@ void LidarAnalysis::SetLidarFilter(int) {}
 void LidarAnalysis::ConnectLidar(lidar::CONNECTION_TYPE type)
 {
     QByteArray().swap(receiveBuffer);
+    receiveBuffer.reserve(4096);
     frameReceived.exchange(0);
 
     if (type == lidar::SerialPortConnection) {
@@ -40,7 +44,8 @@ void LidarAnalysis::ConnectLidar(lidar::CONNECTION_TYPE type)
         serialPort->setFlowControl(QSerialPort::FlowControl(flowControl));
         if (serialPort->open(QIODevice::ReadWrite)) {
             serialPort->clear(QSerialPort::AllDirections);
-            connect(serialPort, &QSerialPort::readyRead, this, &LidarAnalysis::readSerial);
+            // The port is reused by later connects: one handler, not one per connect.
+            connect(serialPort, &QSerialPort::readyRead, this, &LidarAnalysis::readSerial, Qt::UniqueConnection);
             connected = 1;
         }
     } else if (type == lidar::NetworkConnection) {
@@ -48,7 +53,7 @@ void LidarAnalysis::ConnectLidar(lidar::CONNECTION_TYPE type)
             udpSocket = new QUdpSocket(this);
         udpSocket->bind(QHostAddress(dataIp), dataPort);
         connected = 1;
-        connect(udpSocket, &QUdpSocket::readyRead, this, &LidarAnalysis::readDatagrams);
+        connect(udpSocket, &QUdpSocket::readyRead, this, &LidarAnalysis::readDatagrams, Qt::UniqueConnection);
     } else {
         emit SendMessageSignal(tr("Please set a valid connection status!"));
     }
@@ -71,6 +76,7 @@ void LidarAnalysis::readSerial()
     bytesReceived.fetch_add(quint64(bytes.size()), std::memory_order_relaxed);
     receiveBuffer.append(bytes);
     ParseLidarData();
+    writeRecordingAfterArrival();
 }
 
 void LidarAnalysis::readDatagrams()
@@ -82,6 +88,7 @@ void LidarAnalysis::readDatagrams()
         receiveBuffer.append(datagram);
     }
     ParseLidarData();
+    writeRecordingAfterArrival();
 }
 
 void LidarAnalysis::WriteToLidar(const QByteArray& data)
@@ -107,10 +114,23 @@ LidarParam LidarAnalysis::GetLidarParam()
         QThread::msleep(100);
         if (attempt == 5)
             return LidarParam();
-        if (replyReceived)
+        if (replyReceived.load(std::memory_order_acquire))
             break;
     }
+    std::lock_guard<std::mutex> lock(paramMutex);
     return param;
+}
+
+uint8_t LidarAnalysis::storedFrequency() const
+{
+    std::lock_guard<std::mutex> lock(paramMutex);
+    return param.frequency;
+}
+
+void LidarAnalysis::storeFrequency(uint8_t frequency)
+{
+    std::lock_guard<std::mutex> lock(paramMutex);
+    param.frequency = frequency;
 }
 
 void LidarAnalysis::SetConnected(bool on)
@@ -150,7 +170,7 @@ void LidarAnalysis::sendWithRetries(const QByteArray& packet, int& attempts)
         ++attempts;
         emit SendDataToLidarSignal(packet);
         QThread::msleep(100);
-        if (replyReceived)
+        if (replyReceived.load(std::memory_order_acquire))
             break;
     } while (attempts < 3);
 }
@@ -164,27 +184,73 @@ void LidarAnalysis::sendTwice(const QByteArray& packet)
 
 bool LidarAnalysis::StartSaveData(const QString& fileName)
 {
-    savePackets.clear();
-    saveFile.setFileName(fileName);
-    if (!saveFile.open(QIODevice::WriteOnly | QIODevice::Truncate))
-        return false;
-    saveStream.setDevice(&saveFile);
-    saving.exchange(1);
-    saveFileName = fileName;
-    return true;
+    return lidar::runOnThreadOf(this, [&] { return startRecording(fileName); });
 }
 
 void LidarAnalysis::EndSaveData()
 {
-    saving.exchange(0);
+    lidar::runOnThreadOf(this, [&] { endRecording(); });
+}
+
+QVector<QByteArray> LidarAnalysis::recordingHeader() const
+{
     const QByteArray className(metaObject()->className());
     if (className == "Tern_P")
-        savePackets.prepend(QByteArray::number(versionNumber, 10));
-    savePackets.prepend(className);
-    saveStream << qint32(savePackets.size());
-    for (const QByteArray& element : savePackets)
-        saveStream << element;
-    saveFile.flush();
-    saveFile.close();
+        return {className, QByteArray::number(versionNumber.load(), 10)};
+    return {className};
+}
+
+bool LidarAnalysis::startRecording(const QString& fileName)
+{
+    if (saving.load())
+        endRecording();
+    saveError.clear();
+    if (!recorder_.start(fileName, recordingHeader())) {
+        saveError = recorder_.errorString();
+        return false;
+    }
+    saveFileName = fileName;
+    saving.exchange(1);
+    return true;
+}
+
+bool LidarAnalysis::endRecording()
+{
+    if (!saving.exchange(0))
+        return false;
+    if (!recorder_.finish(recordingHeader())) {
+        saveError = recorder_.errorString();
+        emit SendMessageSignal(tr("The recording %1 could not be completed (%2).").arg(saveFileName, saveError));
+        return false;
+    }
     emit SendEndSaveDataSignal(saveFileName);
+    return true;
+}
+
+void LidarAnalysis::recordPiece(const char* data, int size)
+{
+    recorder_.append(data, size);
+    if (recorder_.failed())
+        recordingFailed();
+}
+
+void LidarAnalysis::writeRecordingAfterArrival()
+{
+    if (saving.load(std::memory_order_relaxed) && !recorder_.writePending())
+        recordingFailed();
+}
+
+// Nothing more can be written (a full disk): the file keeps the packets
+// written whole before the failure and is closed; the next recording
+// starts afresh.
+void LidarAnalysis::recordingFailed()
+{
+    saving.exchange(0);
+    const QString reason = recorder_.errorString();
+    recorder_.finish(recordingHeader());
+    saveError = reason;
+    emit SendMessageSignal(tr("Recording stopped: %1 could not be written (%2). It keeps the %3 packets "
+                              "recorded before.")
+                               .arg(saveFileName, reason)
+                               .arg(recorder_.packetCount()));
 }

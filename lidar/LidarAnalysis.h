@@ -5,14 +5,17 @@
 // packet format: after each read it calls the model's ParseLidarData().
 
 #include "LidarRecords.h"
+#include "RateGate.h"
+#include "RecordingWriter.h"
+#include "RunOnThread.h"
 
 #include <QByteArray>
-#include <QDataStream>
+#include <QElapsedTimer>
 #include <QFile>
+#include <mutex>
 #include <QObject>
 #include <QSerialPort>
 #include <QString>
-#include <QVector>
 #include <atomic>
 #include <cstdint>
 
@@ -40,6 +43,13 @@ public:
     explicit LidarAnalysis(QObject* parent = nullptr);
     ~LidarAnalysis() override;
 
+    // Recording runs on the session's own thread, where the packets are cut:
+    // called from another thread, both wait there until it is done.
+    // StartSaveData writes the file's header at once; each packet follows
+    // as it is cut; EndSaveData writes the element count and reports
+    // SendEndSaveDataSignal. When a write fails (a full disk) the recording
+    // stops at once, keeps the packets written before, and says so through
+    // SendMessageSignal; saveError tells the reason until the next start.
     bool StartSaveData(const QString& fileName);
     void EndSaveData();
     LidarParam GetLidarParam();
@@ -68,14 +78,18 @@ signals:
     void SendGPSTimeData(lidar::GPSTime time);
 
 public:
-    uint32_t versionNumber = 0;
+    // Written on the session's thread (or before it starts), read on both.
+    std::atomic<uint32_t> versionNumber{0};
     std::atomic<uint8_t> frameReceived{0};
-    uint8_t connected = 0;
-    uint8_t replyReceived = 0;
+    std::atomic<uint8_t> connected{0};
+    // Set once a reply's parameters are in `param` (release); whoever sees
+    // it set (acquire) reads them whole.
+    std::atomic<uint8_t> replyReceived{0};
     QByteArray receiveBuffer;
-    int32_t connectionType = -1;
+    std::atomic<int32_t> connectionType{-1};
     lidar::LidarDataPoint_V4 currentFrame;
     lidar::LidarDataPoint_V4 lastFrame;
+    // Both threads touch it: under paramMutex (see the helpers below).
     LidarParam param;
     QUdpSocket* udpSocket = nullptr;
     QString lidarIp = QStringLiteral("192.168.1.200");
@@ -90,9 +104,8 @@ public:
     int32_t stopBits = QSerialPort::OneStop;
     int32_t flowControl = QSerialPort::NoFlowControl;
     QString saveFileName;
-    QDataStream saveStream;
     QFile saveFile;
-    QVector<QByteArray> savePackets;
+    QString saveError;  // why the last recording failed; empty when it did not
     std::atomic<uint8_t> saving{0};
     // Running totals of the link since the session was made, read from the
     // user interface thread for the link status: datagrams (serial reads),
@@ -103,11 +116,32 @@ public:
 
 protected:
     // Appends a packet, exactly as cut, to the recording while one runs.
-    void recordPacket(const QByteArray& packet)
+    void recordPacket(const char* data, int size)
     {
-        if (saving.load())
-            savePackets.append(packet);
+        if (saving.load(std::memory_order_relaxed))
+            recordPiece(data, size);
     }
+    // A parameters reply: `fill` writes its fields into `param`, which is
+    // then published through replyReceived. The frequency is sent again as
+    // after every reply, but a flood of reply-shaped junk must not make the
+    // session send commands and sleep without end: resends pass a rate gate
+    // (a few at once, then two a second), replies beyond it only update the
+    // parameters and the flag.
+    template <typename Fill>
+    void takeReply(Fill&& fill)
+    {
+        {
+            std::lock_guard<std::mutex> lock(paramMutex);
+            fill(param);
+        }
+        replyReceived.store(1, std::memory_order_release);
+        if (replyResends_.allow(clock_.elapsed()))
+            SetMotorFrequency(storedFrequency());
+    }
+    uint8_t storedFrequency() const;
+    void storeFrequency(uint8_t frequency);
+    // The header elements of a recording: the class name, for Tern_P its version.
+    QVector<QByteArray> recordingHeader() const;
     // Ends a revolution: reports it while connected and shifts the early
     // points of the next revolution into the frame being built.
     void finishFrame();
@@ -117,7 +151,22 @@ protected:
     // Sends a packet, sleeps 20 ms and sends it again.
     void sendTwice(const QByteArray& packet);
 
+    // A standard mutex rather than QMutex: its locking is visible to
+    // ThreadSanitizer.
+    mutable std::mutex paramMutex;
+
 private slots:
     void readSerial();
     void readDatagrams();
+
+private:
+    bool startRecording(const QString& fileName);
+    bool endRecording();
+    void recordPiece(const char* data, int size);
+    void writeRecordingAfterArrival();
+    void recordingFailed();
+
+    lidar::RecordingWriter recorder_{saveFile};
+    QElapsedTimer clock_;
+    lidar::RateGate replyResends_{3, 500};
 };

@@ -16,7 +16,34 @@ namespace lidar {
 QVector<QByteArray> readRecordElements(QIODevice& device);
 // The same from a file; an unreadable file gives an empty list.
 QVector<QByteArray> readRecordFile(const QString& fileName);
+// Elements between the class name and the first packet: 1 for Tern_P (its
+// version number), 0 for every other model.
+int recordPrefixElements(const QString& model);
 // Writes `elements` the way readRecordElements reads them.
 bool writeRecordElements(QIODevice& device, const QVector<QByteArray>& elements);
+
+// How a recording's elements lie in its file, found by walking their
+// lengths (one sequential read, nothing kept but the first element).
+struct RecordLayout {
+    bool hasCount = false;    // the file holds at least the element count
+    quint32 announced = 0;    // the count at the front
+    quint32 complete = 0;     // whole elements, one after the other
+    qint64 completeEnd = 0;   // offset just past the last whole element
+    qint64 size = 0;          // the file's size
+    QByteArray first;         // element 0 (the model name) when it is whole
+
+    // Exactly the elements the count announces and nothing after them.
+    bool isWhole() const { return hasCount && complete == announced && completeEnd == size; }
+    // A recording cut short: its first element is whole but the count does
+    // not describe the file (an unfinished count, or bytes missing).
+    bool isCutShort() const { return hasCount && complete > 0 && !isWhole(); }
+};
+RecordLayout scanRecordFile(const QString& fileName);
+
+// Makes a recording cut short readable again: cuts off an incomplete last
+// element and writes the number of whole elements as its count. Returns
+// that number, or -1 when the file cannot be read and written or holds no
+// whole element (`error` says why). A whole recording is left untouched.
+qint64 repairRecordFile(const QString& fileName, QString* error);
 
 }  // namespace lidar

@@ -10,62 +10,54 @@ int Tern::filterAttempts = 0;
 
 Tern::Tern(QObject* parent) : LidarAnalysis(parent) {}
 
-void Tern::DecodePacket(const QByteArray& packet, DecodedPacket& out)
+void Tern::DecodePacket(Bytes packet, DecodedPacket& out)
 {
     tern::decodeBody(packet, 2, 6, 42, tern::kFlaggedWords, true, out);
 }
 
-void Tern::DecodeReply(const QByteArray& reply, LidarParam& param)
+void Tern::DecodeReply(Bytes reply, LidarParam& param)
 {
     tern::readReply(reply, 175, param);
 }
 
 void Tern::ParseLidarData()
 {
-    tern::parseStream(receiveBuffer, kPacketSize, kReplySize, [this](const QByteArray& piece) {
-        if (piece.size() == kPacketSize) {
-            recordPacket(piece);
+    tern::parseStream(receiveBuffer, kPacketSize, kReplySize, [this](Bytes piece) {
+        if (piece.size == kPacketSize) {
+            recordPacket(piece.data, piece.size);
             DecodePacket(piece, decoded_);
             placePoints<float>(decoded_, currentFrame, lastFrame, previousAzimuth, [this] { finishFrame(); });
-            return true;
+        } else if (piece.size == kReplySize) {
+            takeReply([piece](LidarParam& p) { DecodeReply(piece, p); });
         }
-        if (piece.size() == kReplySize) {
-            replyReceived = 1;
-            DecodeReply(piece, param);
-            SetMotorFrequency(param.frequency);
-            return true;
-        }
-        return false;
     });
 }
 
-QVector<lidar::LidarDataPoint_V4> Tern::ParseRecordedPackets(const QVector<QByteArray>& packets)
+bool Tern::ParseRecordedBatch(const QVector<QByteArray>& packets, QVector<lidar::LidarDataPoint_V4>& frames)
 {
-    static OfflineFrames<float> frames;
-    QVector<lidar::LidarDataPoint_V4> result;
+    static OfflineFrames<float> state;
     DecodedPacket decoded;
-    tern::parseRecorded(
+    return tern::parseRecorded(
         packets, 0, [](const QByteArray& packet) { return packet.size() == kPacketSize; },
         [&](const QByteArray& packet) {
             DecodePacket(packet, decoded);
-            frames.place<float>(decoded, result);
+            state.place<float>(decoded, frames);
         });
-    return result;
 }
 
 QByteArray Tern::ReadParamCommand()
 {
-    return tern::readParamCommand(tern::kClass01, param.frequency);
+    return tern::readParamCommand(tern::kClass01, storedFrequency());
 }
 
 void Tern::SetMotorFrequency(quint8 frequency)
 {
-    param.frequency = frequency;
+    storeFrequency(frequency);
     sendTwice(tern::setFrequencyCommand(frequency));
 }
 
 void Tern::SetLidarFilter(int mode)
 {
-    sendWithRetries(tern::setFilterCommand(tern::kClass55, mode, param.frequency), filterAttempts);
-    SetMotorFrequency(param.frequency);
+    sendWithRetries(tern::setFilterCommand(tern::kClass55, mode, storedFrequency()), filterAttempts);
+    SetMotorFrequency(storedFrequency());
 }

@@ -26,13 +26,19 @@ public:
     void SetMotorFrequency(quint8 frequency) override;
     void SetLidarFilter(int mode) override;
 
-    static QVector<lidar::LidarDataPoint_V4> ParseRecordedPackets(const QVector<QByteArray>& packets);
+    static QVector<lidar::LidarDataPoint_V4> ParseRecordedPackets(const QVector<QByteArray>& packets)
+    {
+        return lidar::decode::parseWhole<ParseRecordedBatch>(packets);
+    }
+    // The same fed a recording's packets a batch at a time: the frames each
+    // batch completes are appended; false once a packet ended the parse.
+    static bool ParseRecordedBatch(const QVector<QByteArray>& packets, QVector<lidar::LidarDataPoint_V4>& frames);
 
     // Points of one 92-byte data packet (the 41st word is dropped unless the
     // 40th is zero). Pure: used live and offline.
-    static void DecodePacket(const QByteArray& packet, lidar::decode::DecodedPacket& out);
+    static void DecodePacket(lidar::decode::Bytes packet, lidar::decode::DecodedPacket& out);
     // Version text and filter mode of a 186-byte reply into `param`.
-    static void DecodeReply(const QByteArray& reply, LidarParam& param);
+    static void DecodeReply(lidar::decode::Bytes reply, LidarParam& param);
 
     static constexpr int kPacketSize = 92;
     static constexpr int kReplySize = 186;

@@ -15,18 +15,18 @@ class GpsSession : public LidarAnalysis {
 public:
     explicit GpsSession(QObject* parent) : LidarAnalysis(parent) {}
 
-    QByteArray ReadParamCommand() override { return readParamCommand(kClass55, param.frequency); }
+    QByteArray ReadParamCommand() override { return readParamCommand(kClass55, storedFrequency()); }
 
     void SetMotorFrequency(quint8 frequency) override
     {
-        param.frequency = frequency;
+        storeFrequency(frequency);
         sendTwice(setFrequencyCommand(frequency));
     }
 
     void SetLidarFilter(int mode) override
     {
-        sendWithRetries(setFilterCommand(kClass01, mode, param.frequency), filterAttempts);
-        SetMotorFrequency(param.frequency);
+        sendWithRetries(setFilterCommand(kClass01, mode, storedFrequency()), filterAttempts);
+        SetMotorFrequency(storedFrequency());
     }
 
     static int filterAttempts;  // program-wide, never reset

@@ -3,39 +3,38 @@
 #include <algorithm>
 #include <charconv>
 #include <ctime>
-#include <vector>
 
 namespace lidar {
 namespace tern {
 
-using decode::kHeader;
-using decode::kTrailer;
-
-QByteArray cutPiece(QByteArray& buffer, int fallbackLength)
+Cut cutPiece(decode::Bytes bytes, int from, int fallbackLength)
 {
-    const int start = buffer.indexOf(kHeader);
+    Cut cut;
+    const int start = decode::findHeader(bytes, from);
     if (start < 0)
-        return QByteArray();
-    const int end = buffer.indexOf(kTrailer, start);
-    if (end < 0) {
-        if (fallbackLength <= 0 || buffer.size() < fallbackLength)
-            return QByteArray();
-        // A reply may carry no trailer where the scan expects one.
-        QByteArray piece = buffer.mid(start, fallbackLength);
-        buffer.remove(0, start + fallbackLength);
-        return piece;
+        return cut;
+    const int end = decode::findTrailer(bytes, start);
+    if (end >= 0) {
+        cut.start = start;
+        cut.size = end + 2 - start;
+        cut.next = end + 2;
+        return cut;
     }
-    QByteArray piece = buffer.mid(start, end + 2 - start);
-    buffer.remove(0, end + 2);
-    return piece;
+    // A reply may carry no trailer where the scan expects one.
+    if (fallbackLength <= 0 || bytes.size - from < fallbackLength)
+        return cut;
+    cut.start = start;
+    cut.next = std::min(start + fallbackLength, bytes.size);
+    cut.size = cut.next - start;
+    return cut;
 }
 
-bool lacksTrailer(const QByteArray& piece)
+bool lacksTrailer(decode::Bytes piece)
 {
-    const int start = piece.indexOf(kHeader);
+    const int start = decode::findHeader(piece, 0);
     // Without a header the trailer search starts at the last byte.
-    const int from = start < 0 ? piece.size() - 1 : start;
-    return piece.indexOf(kTrailer, from) < 0;
+    const int from = start < 0 ? piece.size - 1 : start;
+    return from < 0 || decode::findTrailer(piece, from) < 0;
 }
 
 uint8_t filterCode(int mode)
@@ -57,50 +56,51 @@ int filterModeFromCode(uint8_t code)
     return 1;
 }
 
-void spreadPoints(float startAzimuth, const Measurement* measurements, int count,
-                  decode::DecodedPacket& out)
-{
-    if (count <= 0)
-        return;
-    const float step = static_cast<float>(15.0 / count);
-    for (int i = 0; i < count; ++i) {
-        const float azimuth = static_cast<float>(i) * step + startAzimuth;
-        out.points.push_back(
-            decode::makePoint(0, azimuth, measurements[i].distance, measurements[i].intensity));
-    }
-}
-
-void decodeBody(const QByteArray& packet, int angleOffset, int wordsOffset, int wordCount,
-                WordEncoding encoding, bool dropsThe41st, decode::DecodedPacket& out)
+void decodeBody(decode::Bytes packet, int angleOffset, int wordsOffset, int wordCount, WordEncoding encoding,
+                bool dropsThe41st, decode::DecodedPacket& out)
 {
     using decode::be16;
     out.reset();
     out.motorSpeed = decode::motorSpeedFromPeriod(be16(packet, angleOffset + 2));
     // The 41st measurement is kept only when the 40th word is zero.
-    const bool drop41st = dropsThe41st && wordCount > 40 && be16(packet, wordsOffset + 2 * 39) != 0;
-    std::vector<Measurement> measurements;
-    measurements.reserve(size_t(std::max(wordCount, 0)));
+    const int dropped = dropsThe41st && wordCount > 40 && be16(packet, wordsOffset + 2 * 39) != 0 ? 40 : -1;
+    const auto makesPoint = [&](int w, uint16_t word) {
+        return w != dropped && !(encoding.skipsNoMeasurement && word == 0xFFFF);
+    };
+    // The step depends on how many points the packet makes: count first.
+    int count = std::max(wordCount, 0);
+    if (encoding.skipsNoMeasurement || dropped >= 0) {
+        count = 0;
+        for (int w = 0; w < wordCount; ++w)
+            count += makesPoint(w, be16(packet, wordsOffset + 2 * w)) ? 1 : 0;
+    }
+    out.points.resize(size_t(count));
+    if (count == 0)
+        return;
+    const float start = static_cast<float>(be16(packet, angleOffset) / 100.0);
+    const float step = static_cast<float>(15.0 / count);
+    decode::AzimuthTrig& trig = decode::AzimuthTrig::forThisThread();
+    decode::PacketPoint* point = out.points.data();
+    int i = 0;
     for (int w = 0; w < wordCount; ++w) {
-        if (drop41st && w == 40)
-            continue;
         const uint16_t word = be16(packet, wordsOffset + 2 * w);
-        if (encoding.skipsNoMeasurement && word == 0xFFFF)
+        if (!makesPoint(w, word))
             continue;
         const bool flag = (word & 0x8000) != 0;
-        measurements.push_back({encoding.masksFlag ? (word & 0x7FFF) : word,
-                                (encoding.flagIsIntensity && flag) ? 255 : 0});
+        const int32_t distance = encoding.masksFlag ? (word & 0x7FFF) : word;
+        const int32_t intensity = (encoding.flagIsIntensity && flag) ? 255 : 0;
+        const float azimuth = static_cast<float>(i++) * step + start;
+        decode::setPoint(*point++, 0, azimuth, distance, intensity, trig.of(azimuth));
     }
-    const float start = static_cast<float>(be16(packet, angleOffset) / 100.0);
-    spreadPoints(start, measurements.data(), int(measurements.size()), out);
 }
 
-CalendarTime decodeVariablePacket(const QByteArray& packet, WordEncoding encoding, decode::DecodedPacket& out)
+CalendarTime decodeVariablePacket(decode::Bytes packet, WordEncoding encoding, decode::DecodedPacket& out)
 {
-    decodeBody(packet, 4, kVariableWordsOffset, variableWordCount(packet.size()), encoding, false, out);
-    return readCalendar(packet, packet.size() - 12);
+    decodeBody(packet, 4, kVariableWordsOffset, variableWordCount(packet.size), encoding, false, out);
+    return readCalendar(packet, packet.size - 12);
 }
 
-void readReply(const QByteArray& reply, int versionOffset, LidarParam& param)
+void readReply(decode::Bytes reply, int versionOffset, LidarParam& param)
 {
     param.text = decode::versionText(reply, versionOffset, true);
     param.value1 = filterModeFromCode(decode::u8(reply, 181));
@@ -121,7 +121,7 @@ QByteArray setFilterCommand(uint8_t commandClass, int mode, uint8_t frequency)
     return decode::commandPacket(commandClass, 0x06, frequency, {{181, filterCode(mode)}});
 }
 
-CalendarTime readCalendar(const QByteArray& p, int offset)
+CalendarTime readCalendar(decode::Bytes p, int offset)
 {
     using decode::be16;
     using decode::u8;
@@ -157,20 +157,25 @@ uint64_t packetTimeNs(const CalendarTime& t)
     return static_cast<uint64_t>(ns);
 }
 
-QString dateTimeText(const CalendarTime& t)
+int formatDateTime(const CalendarTime& t, char* text, int capacity)
 {
     // "%1-%2-%3 %4:%5:%6:%7" in one pass: seven chained QString::arg calls
     // cost as much as the rest of the packet.
     const int32_t fields[7] = {t.year, t.month, t.day, t.hour, t.minute, t.second, t.millisecond};
     const char separators[7] = {'-', '-', ' ', ':', ':', ':', '\0'};
-    char text[7 * 12];
     char* end = text;
     for (int i = 0; i < 7; ++i) {
-        end = std::to_chars(end, text + sizeof text, fields[i]).ptr;
+        end = std::to_chars(end, text + capacity, fields[i]).ptr;
         if (separators[i])
             *end++ = separators[i];
     }
-    return QString::fromLatin1(text, int(end - text));
+    return int(end - text);
+}
+
+QString dateTimeText(const CalendarTime& t)
+{
+    char text[64];
+    return QString::fromLatin1(text, formatDateTime(t, text, sizeof text));
 }
 
 GPSTime PacketClock::stamp(const CalendarTime& t, uint64_t nowNs) const
@@ -216,7 +221,7 @@ void stampPoints(decode::DecodedPacket& packet, uint64_t nowNs, uint64_t previou
 uint64_t applyCalendar(decode::DecodedPacket& packet, const CalendarTime& t, uint64_t previousNs)
 {
     packet.hasDateTime = true;
-    packet.dateTime = dateTimeText(t);
+    packet.dateTimeLength = formatDateTime(t, packet.dateTime, sizeof packet.dateTime);
     const uint64_t now = packetTimeNs(t);
     stampPoints(packet, now, previousNs);
     return now;

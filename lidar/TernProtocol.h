@@ -14,48 +14,74 @@
 namespace lidar {
 namespace tern {
 
-// Cuts the next piece from the first header to the first trailer after it,
-// dropping everything before it. Without a trailer: when `fallbackLength` is
-// non-zero and the buffer holds at least that many bytes, that many bytes
-// from the header are cut instead; otherwise nothing is removed and the
-// result is empty.
-QByteArray cutPiece(QByteArray& buffer, int fallbackLength);
+// No piece of these lidars comes near this many bytes; a header that has
+// waited this long for its trailer was junk, and the stream is taken up
+// again at a later header.
+constexpr int kMaxPending = 2048;
 
-// The live loop of every Tern model: while the buffer holds a header, cut a
-// piece and hand it to `handle`, which returns false to stop until the next
-// arrival of bytes.
+// Where the next piece lies: from the first header at or after `from` to
+// the first trailer after it, inclusive. Without a trailer: when
+// `fallbackLength` is non-zero and `available` (the bytes not yet consumed)
+// is at least that, `fallbackLength` bytes from the header (fewer where the
+// bytes run out); otherwise there is no piece yet. `next` is where cutting
+// goes on: everything before it is consumed, junk before the header too.
+struct Cut {
+    int start = -1;
+    int size = 0;
+    int next = 0;
+    bool found() const { return start >= 0; }
+};
+Cut cutPiece(decode::Bytes bytes, int from, int fallbackLength);
+
+// The live loop of every Tern model: while the buffer holds a header with a
+// piece behind it, cut the piece and hand it to `handle`, which takes data
+// packets and replies and passes over anything else; then drop what was
+// consumed and what cannot become a piece (see keepUnconsumed).
 template <typename Handle>
 void parseStream(QByteArray& buffer, int minimumSize, int fallbackLength, Handle&& handle)
 {
-    if (buffer.size() < minimumSize || !buffer.contains(decode::kHeader))
+    if (buffer.size() < minimumSize) {
+        decode::keepUnconsumed(buffer, 0, kMaxPending);
         return;
-    do {
-        if (!handle(cutPiece(buffer, fallbackLength)))
-            return;
-    } while (buffer.contains(decode::kHeader));
+    }
+    int used = 0;
+    {
+        // Held while the pieces are handled, which only read them.
+        const QByteArray held = buffer;
+        const decode::Bytes bytes(held);
+        for (;;) {
+            const Cut cut = cutPiece(bytes, used, fallbackLength);
+            if (!cut.found())
+                break;
+            used = cut.next;
+            handle(decode::Bytes(bytes.data + cut.start, cut.size));
+        }
+    }
+    decode::keepUnconsumed(buffer, used, kMaxPending);
 }
 
 // Whether the 16-bit length field at offset 2 equals the piece's length.
-inline bool lengthFieldMatches(const QByteArray& piece)
+inline bool lengthFieldMatches(decode::Bytes piece)
 {
-    return piece.size() >= 4 && decode::be16(piece, 2) == piece.size();
+    return piece.size >= 4 && decode::be16(piece, 2) == piece.size;
 }
 
 // A piece contains no trailer at or after its first header (ends an offline parse).
-bool lacksTrailer(const QByteArray& piece);
+bool lacksTrailer(decode::Bytes piece);
 
 // The offline loop of every Tern model: from element `first` on, a piece
 // without trailer ends the parse, pieces `isDataPacket` rejects are skipped,
-// the others go to `place` in order.
+// the others go to `place` in order. False when a piece ended the parse.
 template <typename IsDataPacket, typename Place>
-void parseRecorded(const QVector<QByteArray>& packets, int first, IsDataPacket&& isDataPacket, Place&& place)
+bool parseRecorded(const QVector<QByteArray>& packets, int first, IsDataPacket&& isDataPacket, Place&& place)
 {
     for (int i = first; i < packets.size(); ++i) {
         if (lacksTrailer(packets[i]))
-            return;
+            return false;
         if (isDataPacket(packets[i]))
             place(packets[i]);
     }
+    return true;
 }
 
 // Length-field packets (Tern_P, Tern_Plus): header, length, start angle,
@@ -65,9 +91,9 @@ constexpr int kVariableWordsOffset = 8;
 constexpr int kVariableOverhead = 20;
 // A data packet: its length field equals its length and it has room for the
 // fixed fields.
-inline bool isVariableDataPacket(const QByteArray& piece)
+inline bool isVariableDataPacket(decode::Bytes piece)
 {
-    return piece.size() >= kVariableOverhead && lengthFieldMatches(piece);
+    return piece.size >= kVariableOverhead && lengthFieldMatches(piece);
 }
 // ceil((L - 20) / 2) words: an odd byte count still makes a last word.
 inline int variableWordCount(int packetSize)
@@ -78,16 +104,6 @@ inline int variableWordCount(int packetSize)
 // Filter modes 0 "Normal filtering", 1 "No filtering", 2 "Within three meters".
 uint8_t filterCode(int mode);         // 11, 10, 12; 0 for any other mode
 int filterModeFromCode(uint8_t code);  // 11 -> 0, 12 -> 2, anything else -> 1
-
-struct Measurement {
-    int32_t distance;
-    int32_t intensity;
-};
-
-// Spreads a packet's 15 degrees evenly over its `count` points, from `start`:
-// azimuth i = i * (15 / count) + start in single precision.
-void spreadPoints(float startAzimuth, const Measurement* measurements, int count,
-                  decode::DecodedPacket& out);
 
 // How a model reads its 16-bit distance words.
 struct WordEncoding {
@@ -106,14 +122,16 @@ constexpr WordEncoding kUnmaskedFlaggedWords{false, false, true};
 
 // Decodes the body every Tern model shares: the start angle (1/100 degree)
 // at `angleOffset`, the period word right after it, and `wordCount` distance
-// words from `wordsOffset`, spread over 15 degrees. With `dropsThe41st` the
-// 41st word is discarded unless the 40th is zero (Tern, Tern_GPS).
-void decodeBody(const QByteArray& packet, int angleOffset, int wordsOffset, int wordCount,
+// words from `wordsOffset`. A packet's 15 degrees are spread evenly over the
+// points it makes: azimuth i = i * (15 / points) + start, in single
+// precision. With `dropsThe41st` the 41st word is discarded unless the 40th
+// is zero (Tern, Tern_GPS).
+void decodeBody(decode::Bytes packet, int angleOffset, int wordsOffset, int wordCount,
                 WordEncoding encoding, bool dropsThe41st, decode::DecodedPacket& out);
 
 // Version text ("%1.%2.%3-V%4.%5.%6", signed bytes) from the six bytes at
 // `versionOffset` and the filter mode from byte 181 of a parameters reply.
-void readReply(const QByteArray& reply, int versionOffset, LidarParam& param);
+void readReply(decode::Bytes reply, int versionOffset, LidarParam& param);
 
 // Command packets. Tern reads parameters with class 0x01 and filters with
 // 0x55; Tern_P, Tern_GPS and Tern_Plus the other way round.
@@ -129,14 +147,16 @@ struct CalendarTime {
 };
 // Eight calendar bytes: year-2000, month, day, hour, minute, second, then
 // 16-bit millisecond and microsecond.
-CalendarTime readCalendar(const QByteArray& packet, int offset);
+CalendarTime readCalendar(decode::Bytes packet, int offset);
 // Points of a length-field packet (Tern_P, Tern_Plus), time stamps not yet
 // set; returns its calendar time, read 12 bytes before its end.
-CalendarTime decodeVariablePacket(const QByteArray& packet, WordEncoding encoding, decode::DecodedPacket& out);
+CalendarTime decodeVariablePacket(decode::Bytes packet, WordEncoding encoding, decode::DecodedPacket& out);
 // mktime of the local calendar time (no daylight saving) in ns, plus ms and us.
 uint64_t packetTimeNs(const CalendarTime& t);
 // "%1-%2-%3 %4:%5:%6:%7": year, month, day, hour, minute, second, millisecond.
 QString dateTimeText(const CalendarTime& t);
+// The same into `text` (64 characters are plenty); returns its length.
+int formatDateTime(const CalendarTime& t, char* text, int capacity);
 
 // The per-model memory of the previous GPS packet.
 struct PacketClock {

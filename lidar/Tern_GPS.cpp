@@ -10,7 +10,7 @@ tern::PacketClock Tern_GPS::packetClock;
 
 Tern_GPS::Tern_GPS(QObject* parent) : GpsSession(parent) {}
 
-tern::CalendarTime Tern_GPS::DecodePacket(const QByteArray& packet, DecodedPacket& out)
+tern::CalendarTime Tern_GPS::DecodePacket(Bytes packet, DecodedPacket& out)
 {
     tern::decodeBody(packet, 2, 6, 42, tern::kFlagIgnoredWords, true, out);
     return tern::readCalendar(packet, kCalendarOffset);
@@ -18,36 +18,29 @@ tern::CalendarTime Tern_GPS::DecodePacket(const QByteArray& packet, DecodedPacke
 
 void Tern_GPS::ParseLidarData()
 {
-    tern::parseStream(receiveBuffer, kPacketSize, kReplySize, [this](const QByteArray& piece) {
-        if (piece.size() == kPacketSize) {
-            recordPacket(piece);
+    tern::parseStream(receiveBuffer, kPacketSize, kReplySize, [this](Bytes piece) {
+        if (piece.size == kPacketSize) {
+            recordPacket(piece.data, piece.size);
             const tern::CalendarTime time = DecodePacket(piece, decoded_);
             emit SendGPSTimeData(packetClock.apply(decoded_, time));
             placePoints<float>(decoded_, currentFrame, lastFrame, previousAzimuth, [this] { finishFrame(); });
-            return true;
+        } else if (piece.size == kReplySize) {
+            // The same bytes as Tern's, at 175..181.
+            takeReply([piece](LidarParam& p) { Tern::DecodeReply(piece, p); });
         }
-        if (piece.size() == kReplySize) {
-            replyReceived = 1;
-            Tern::DecodeReply(piece, param);  // same bytes as Tern's, at 175..181
-            SetMotorFrequency(param.frequency);
-            return true;
-        }
-        return false;
     });
 }
 
-QVector<lidar::LidarDataPoint_V4> Tern_GPS::ParseRecordedPackets(const QVector<QByteArray>& packets)
+bool Tern_GPS::ParseRecordedBatch(const QVector<QByteArray>& packets, QVector<lidar::LidarDataPoint_V4>& frames)
 {
-    static OfflineFrames<float> frames;
+    static OfflineFrames<float> state;
     static tern::PacketClock clock;
-    QVector<lidar::LidarDataPoint_V4> result;
     DecodedPacket decoded;
-    tern::parseRecorded(
+    return tern::parseRecorded(
         packets, 0, [](const QByteArray& packet) { return packet.size() == kPacketSize; },
         [&](const QByteArray& packet) {
             const tern::CalendarTime time = DecodePacket(packet, decoded);
             clock.apply(decoded, time);
-            frames.place<float>(decoded, result);
+            state.place<float>(decoded, frames);
         });
-    return result;
 }

@@ -28,11 +28,17 @@ public:
 
     void ParseLidarData() override;
 
-    static QVector<lidar::LidarDataPoint_V4> ParseRecordedPackets(const QVector<QByteArray>& packets);
+    static QVector<lidar::LidarDataPoint_V4> ParseRecordedPackets(const QVector<QByteArray>& packets)
+    {
+        return lidar::decode::parseWhole<ParseRecordedBatch>(packets);
+    }
+    // The same fed a recording's packets a batch at a time: the frames each
+    // batch completes are appended; false once a packet ended the parse.
+    static bool ParseRecordedBatch(const QVector<QByteArray>& packets, QVector<lidar::LidarDataPoint_V4>& frames);
 
     // Points of one 102-byte data packet, time stamps not yet set; returns
     // the packet's calendar time. Pure: used live and offline.
-    static lidar::tern::CalendarTime DecodePacket(const QByteArray& packet, lidar::decode::DecodedPacket& out);
+    static lidar::tern::CalendarTime DecodePacket(lidar::decode::Bytes packet, lidar::decode::DecodedPacket& out);
 
     static constexpr int kPacketSize = 102;
     static constexpr int kReplySize = 188;

@@ -8,13 +8,13 @@ tern::PacketClock Tern_P::packetClock;
 
 Tern_P::Tern_P(QObject* parent) : GpsSession(parent) {}
 
-tern::CalendarTime Tern_P::DecodePacket(const QByteArray& packet, uint32_t version, DecodedPacket& out)
+tern::CalendarTime Tern_P::DecodePacket(Bytes packet, uint32_t version, DecodedPacket& out)
 {
     const tern::WordEncoding encoding = version < kPlainWordsFrom ? tern::kFlaggedWords : tern::kPlainWords;
     return tern::decodeVariablePacket(packet, encoding, out);
 }
 
-uint32_t Tern_P::DecodeReply(const QByteArray& reply, LidarParam& param)
+uint32_t Tern_P::DecodeReply(Bytes reply, LidarParam& param)
 {
     tern::readReply(reply, 173, param);
     return uint32_t(s8(reply, 176) * 100 + s8(reply, 177) * 10 + s8(reply, 178));
@@ -23,38 +23,30 @@ uint32_t Tern_P::DecodeReply(const QByteArray& reply, LidarParam& param)
 void Tern_P::ParseLidarData()
 {
     // No fallback length: without a trailer the piece waits for more bytes.
-    tern::parseStream(receiveBuffer, kMinimumBuffer, 0, [this](const QByteArray& piece) {
+    tern::parseStream(receiveBuffer, kMinimumBuffer, 0, [this](Bytes piece) {
         if (tern::isVariableDataPacket(piece)) {
-            recordPacket(piece);
-            const tern::CalendarTime time = DecodePacket(piece, versionNumber, decoded_);
+            recordPacket(piece.data, piece.size);
+            const tern::CalendarTime time = DecodePacket(piece, versionNumber.load(), decoded_);
             emit SendGPSTimeData(packetClock.apply(decoded_, time));
             placePoints<float>(decoded_, currentFrame, lastFrame, previousAzimuth, [this] { finishFrame(); });
-            return true;
+        } else if (piece.size == kReplySize) {
+            takeReply([this, piece](LidarParam& p) { versionNumber = DecodeReply(piece, p); });
         }
-        if (piece.size() == kReplySize) {
-            replyReceived = 1;
-            versionNumber = DecodeReply(piece, param);
-            SetMotorFrequency(param.frequency);
-            return true;
-        }
-        return false;
     });
 }
 
-QVector<lidar::LidarDataPoint_V4> Tern_P::ParseRecordedPackets(const QVector<QByteArray>& elements)
+bool Tern_P::ParseRecordedBatch(const QVector<QByteArray>& elements, QVector<lidar::LidarDataPoint_V4>& frames)
 {
-    static OfflineFrames<float> frames;
+    static OfflineFrames<float> state;
     static tern::PacketClock clock;
-    QVector<lidar::LidarDataPoint_V4> result;
     if (elements.isEmpty())
-        return result;
+        return true;
     // Not a number: 0, which reads the words the older way.
     const uint32_t version = elements.first().trimmed().toUInt();
     DecodedPacket decoded;
-    tern::parseRecorded(elements, 1, tern::isVariableDataPacket, [&](const QByteArray& packet) {
+    return tern::parseRecorded(elements, 1, tern::isVariableDataPacket, [&](const QByteArray& packet) {
         const tern::CalendarTime time = DecodePacket(packet, version, decoded);
         clock.apply(decoded, time);
-        frames.place<float>(decoded, result);
+        state.place<float>(decoded, frames);
     });
-    return result;
 }

@@ -34,15 +34,22 @@ public:
     void ParseLidarData() override;
 
     // The first element is the firmware version number as decimal text.
-    static QVector<lidar::LidarDataPoint_V4> ParseRecordedPackets(const QVector<QByteArray>& elements);
+    static QVector<lidar::LidarDataPoint_V4> ParseRecordedPackets(const QVector<QByteArray>& elements)
+    {
+        return lidar::decode::parseWhole<ParseRecordedBatch>(elements);
+    }
+    // The same fed a recording's packets a batch at a time, each batch led by
+    // the version element: the frames each batch completes are appended;
+    // false once a packet ended the parse.
+    static bool ParseRecordedBatch(const QVector<QByteArray>& elements, QVector<lidar::LidarDataPoint_V4>& frames);
 
     // Points of one data packet decoded for firmware `version`, time stamps
     // not yet set; returns the packet's calendar time. Pure.
-    static lidar::tern::CalendarTime DecodePacket(const QByteArray& packet, uint32_t version,
+    static lidar::tern::CalendarTime DecodePacket(lidar::decode::Bytes packet, uint32_t version,
                                                   lidar::decode::DecodedPacket& out);
     // Version text and filter mode of a 188-byte reply into `param`;
     // returns the firmware version number.
-    static uint32_t DecodeReply(const QByteArray& reply, LidarParam& param);
+    static uint32_t DecodeReply(lidar::decode::Bytes reply, LidarParam& param);
 
     static constexpr int kMinimumBuffer = 92;
     static constexpr int kReplySize = 188;

@@ -10,12 +10,12 @@ tern::PacketClock Tern_Plus::packetClock;
 
 Tern_Plus::Tern_Plus(QObject* parent) : GpsSession(parent) {}
 
-tern::CalendarTime Tern_Plus::DecodePacket(const QByteArray& packet, DecodedPacket& out)
+tern::CalendarTime Tern_Plus::DecodePacket(Bytes packet, DecodedPacket& out)
 {
     return tern::decodeVariablePacket(packet, tern::kUnmaskedFlaggedWords, out);
 }
 
-void Tern_Plus::DecodeReply(const QByteArray& reply, LidarParam& param)
+void Tern_Plus::DecodeReply(Bytes reply, LidarParam& param)
 {
     tern::readReply(reply, 173, param);
     param.value2 = be16(reply, 141) / 60;
@@ -23,36 +23,28 @@ void Tern_Plus::DecodeReply(const QByteArray& reply, LidarParam& param)
 
 void Tern_Plus::ParseLidarData()
 {
-    tern::parseStream(receiveBuffer, kMinimumBuffer, 0, [this](const QByteArray& piece) {
+    tern::parseStream(receiveBuffer, kMinimumBuffer, 0, [this](Bytes piece) {
         if (tern::isVariableDataPacket(piece)) {
-            recordPacket(piece);
+            recordPacket(piece.data, piece.size);
             const tern::CalendarTime time = DecodePacket(piece, decoded_);
             emit SendGPSTimeData(packetClock.apply(decoded_, time));
             placePoints<float>(decoded_, currentFrame, lastFrame, previousAzimuth, [this] { finishFrame(); });
-            return true;
+        } else if (piece.size == kReplySize) {
+            takeReply([piece](LidarParam& p) { DecodeReply(piece, p); });
         }
-        if (piece.size() == kReplySize) {
-            replyReceived = 1;
-            DecodeReply(piece, param);
-            SetMotorFrequency(param.frequency);
-            return true;
-        }
-        return false;
     });
 }
 
-QVector<lidar::LidarDataPoint_V4> Tern_Plus::ParseRecordedPackets(const QVector<QByteArray>& packets)
+bool Tern_Plus::ParseRecordedBatch(const QVector<QByteArray>& packets, QVector<lidar::LidarDataPoint_V4>& frames)
 {
-    static OfflineFrames<float> frames;
+    static OfflineFrames<float> state;
     static tern::PacketClock clock;
-    QVector<lidar::LidarDataPoint_V4> result;
     DecodedPacket decoded;
-    tern::parseRecorded(packets, 0, tern::isVariableDataPacket, [&](const QByteArray& packet) {
+    return tern::parseRecorded(packets, 0, tern::isVariableDataPacket, [&](const QByteArray& packet) {
         const tern::CalendarTime time = DecodePacket(packet, decoded);
         clock.apply(decoded, time);
-        frames.place<float>(decoded, result);
+        state.place<float>(decoded, frames);
     });
-    return result;
 }
 
 QByteArray Tern_Plus::DeviceParamCommand(signed char value)
@@ -66,5 +58,5 @@ void Tern_Plus::SetDeviceParam(quint8 value)
 {
     emit SendDataToLidarSignal(DeviceParamCommand(static_cast<signed char>(value)));
     QThread::msleep(100);
-    SetMotorFrequency(param.frequency);
+    SetMotorFrequency(storedFrequency());
 }

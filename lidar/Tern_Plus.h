@@ -33,13 +33,19 @@ public:
     // The byte is the motor speed setting as a signed char.
     void SetDeviceParam(quint8 value) override;
 
-    static QVector<lidar::LidarDataPoint_V4> ParseRecordedPackets(const QVector<QByteArray>& packets);
+    static QVector<lidar::LidarDataPoint_V4> ParseRecordedPackets(const QVector<QByteArray>& packets)
+    {
+        return lidar::decode::parseWhole<ParseRecordedBatch>(packets);
+    }
+    // The same fed a recording's packets a batch at a time: the frames each
+    // batch completes are appended; false once a packet ended the parse.
+    static bool ParseRecordedBatch(const QVector<QByteArray>& packets, QVector<lidar::LidarDataPoint_V4>& frames);
 
     // Points of one data packet, time stamps not yet set; returns the
     // packet's calendar time. Pure.
-    static lidar::tern::CalendarTime DecodePacket(const QByteArray& packet, lidar::decode::DecodedPacket& out);
+    static lidar::tern::CalendarTime DecodePacket(lidar::decode::Bytes packet, lidar::decode::DecodedPacket& out);
     // Version text, filter mode and motor speed setting of a 188-byte reply.
-    static void DecodeReply(const QByteArray& reply, LidarParam& param);
+    static void DecodeReply(lidar::decode::Bytes reply, LidarParam& param);
     // The set-motor-speed command: value * 60 at 141..142.
     static QByteArray DeviceParamCommand(signed char value);
 

@@ -6,41 +6,39 @@ namespace wren {
 using decode::commandPacket;
 using decode::u8;
 
-bool checksumMatches(const QByteArray& buffer, int offset, int packetSize)
+bool checksumMatches(decode::Bytes bytes, int offset, int packetSize)
 {
     uint8_t sum = 0;
     for (int i = offset; i < offset + packetSize - 1; ++i)
-        sum = uint8_t(sum + u8(buffer, i));
-    return sum == u8(buffer, offset + packetSize - 1);
+        sum = uint8_t(sum + u8(bytes, i));
+    return sum == u8(bytes, offset + packetSize - 1);
 }
 
-Piece cutPiece(QByteArray& buffer, int packetSize, uint8_t packetType, QByteArray& piece)
+Piece cutPiece(decode::Bytes bytes, int& used, int packetSize, uint8_t packetType, decode::Bytes& piece)
 {
-    const int header = buffer.indexOf(decode::kHeader);
+    const int header = decode::findHeader(bytes, used);
     if (header < 0)
         return Piece::None;
-    const int available = buffer.size() - header;
+    const int available = bytes.size - header;
     // A packet that has not fully arrived is waited for.
     if (available < packetSize)
         return Piece::None;
-    if (u8(buffer, header + 2) == packetType && checksumMatches(buffer, header, packetSize)) {
-        piece = buffer.mid(header, packetSize);
-        buffer.remove(0, header + packetSize);
+    if (u8(bytes, header + 2) == packetType && checksumMatches(bytes, header, packetSize)) {
+        piece = decode::Bytes(bytes.data + header, packetSize);
+        used = header + packetSize;
         return Piece::DataPacket;
     }
     if (available < kReplySize)
         return Piece::None;
-    if (u8(buffer, header + 186) != 0xFA || u8(buffer, header + 187) != 0xFB) {
-        // Neither a packet nor a reply: start again from fresh bytes.
-        buffer.clear();
+    used = bytes.size;
+    // Neither a packet nor a reply: start again from fresh bytes.
+    if (u8(bytes, header + 186) != 0xFA || u8(bytes, header + 187) != 0xFB)
         return Piece::None;
-    }
-    piece = buffer.mid(header, kReplySize);
-    buffer.clear();
+    piece = decode::Bytes(bytes.data + header, kReplySize);
     return Piece::Reply;
 }
 
-void decodeReply(const QByteArray& reply, LidarParam& param)
+void decodeReply(decode::Bytes reply, LidarParam& param)
 {
     param.text = decode::versionText(reply, 173, false);
     param.value1 = u8(reply, 181) == 1 ? 0 : 1;

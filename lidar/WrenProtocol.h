@@ -22,58 +22,74 @@ namespace wren {
 constexpr int kReplySize = 188;
 constexpr int kGroups = 16;
 
+// A piece waiting at a header is at most a reply long; more bytes than
+// this before it, junk that came along with it, are dropped.
+constexpr int kMaxPending = 2048;
+
 // The sum of the packet's bytes before its last, modulo 256, equals the last.
-bool checksumMatches(const QByteArray& buffer, int offset, int packetSize);
+bool checksumMatches(decode::Bytes bytes, int offset, int packetSize);
 
 enum class Piece { None, DataPacket, Reply };
 
-// Cuts the next piece at the first header of `buffer` into `piece`:
+// What lies at the first header at or after `from`:
 // - a data packet of `packetSize` bytes whose checksum and type byte (at 2)
-//   are right: everything up to its end is removed;
+//   are right: it is consumed with everything before it;
 // - otherwise a reply, 188 bytes with FA FB at 186: the whole buffer is
-//   emptied, whatever followed the reply included;
+//   consumed, whatever followed the reply included;
 // - 188 bytes from the header without FA FB at 186: the whole buffer is
-//   dropped to find the stream again (None);
-// - a packet or reply not yet complete, or no header: nothing is removed
-//   (None).
-Piece cutPiece(QByteArray& buffer, int packetSize, uint8_t packetType, QByteArray& piece);
+//   consumed to find the stream again (None);
+// - a packet or reply not yet complete, or no header: nothing more is
+//   consumed (None).
+// `used` moves on past what is consumed; `piece` is where the packet or
+// reply lies.
+Piece cutPiece(decode::Bytes bytes, int& used, int packetSize, uint8_t packetType, decode::Bytes& piece);
 
 // The live loop of both Wren models: data packets go to `onData` in order, a
-// reply to `onReply`; returns when the buffer waits for more bytes.
+// reply to `onReply`; then what was consumed, and what can never become a
+// packet, is dropped from the buffer (see keepUnconsumed).
 template <typename OnData, typename OnReply>
 void parseStream(QByteArray& buffer, int packetSize, uint8_t packetType, OnData&& onData, OnReply&& onReply)
 {
-    QByteArray piece;
-    for (;;) {
-        switch (cutPiece(buffer, packetSize, packetType, piece)) {
-        case Piece::DataPacket:
-            onData(piece);
-            break;
-        case Piece::Reply:
-            onReply(piece);
-            return;  // the buffer is empty now
-        case Piece::None:
-            return;
+    int used = 0;
+    {
+        // Held while the pieces are handled, which only read them.
+        const QByteArray held = buffer;
+        const decode::Bytes bytes(held);
+        decode::Bytes piece;
+        for (bool more = true; more;) {
+            switch (cutPiece(bytes, used, packetSize, packetType, piece)) {
+            case Piece::DataPacket:
+                onData(piece);
+                break;
+            case Piece::Reply:
+                onReply(piece);
+                more = false;  // everything is consumed now
+                break;
+            case Piece::None:
+                more = false;
+                break;
+            }
         }
     }
+    decode::keepUnconsumed(buffer, used, kMaxPending);
 }
 
 // The offline loop of both Wren models: every element long enough to hold
 // the fields is taken as a data packet (no header, type or checksum test),
-// decoded by `decodePacket` and placed in the persistent `frames`.
+// decoded by `decodePacket` and placed in the persistent `state`; completed
+// frames are appended to `frames`. No packet ends the parse.
 template <typename Azimuth, typename Previous, typename DecodePacket>
-QVector<LidarDataPoint_V4> parseRecorded(const QVector<QByteArray>& packets, int packetSize,
-                                         DecodePacket&& decodePacket, decode::OfflineFrames<Previous>& frames)
+bool parseRecorded(const QVector<QByteArray>& packets, int packetSize, DecodePacket&& decodePacket,
+                   decode::OfflineFrames<Previous>& state, QVector<LidarDataPoint_V4>& frames)
 {
-    QVector<LidarDataPoint_V4> result;
     decode::DecodedPacket decoded;
     for (const QByteArray& packet : packets) {
         if (packet.size() < packetSize)
             continue;
         decodePacket(packet, decoded);
-        frames.template place<Azimuth>(decoded, result);
+        state.template place<Azimuth>(decoded, frames);
     }
-    return result;
+    return true;
 }
 
 // The azimuths of a packet's sixteen groups: start + k * step, in the
@@ -88,7 +104,7 @@ struct GroupAngles {
 };
 
 template <typename Azimuth>
-GroupAngles<Azimuth> groupAngles(const QByteArray& packet, int startOffset, int endOffset)
+GroupAngles<Azimuth> groupAngles(decode::Bytes packet, int startOffset, int endOffset)
 {
     Azimuth start = Azimuth(decode::be16(packet, startOffset)) / Azimuth(100);
     Azimuth end = Azimuth(decode::be16(packet, endOffset)) / Azimuth(100);
@@ -102,7 +118,7 @@ GroupAngles<Azimuth> groupAngles(const QByteArray& packet, int startOffset, int 
 
 // Version text (unsigned bytes), filter mode (0 when the state is 1,
 // otherwise 1) and device parameter of a reply into `param`.
-void decodeReply(const QByteArray& reply, LidarParam& param);
+void decodeReply(decode::Bytes reply, LidarParam& param);
 
 QByteArray readParamCommand(uint8_t frequency);         // class 0x55, code 3
 QByteArray setFrequencyCommand(uint8_t frequency);      // class 0x55, code 1

@@ -24,37 +24,33 @@ public:
         using Azimuth = std::remove_reference_t<decltype(Model::previousAzimuth)>;
         parseStream(
             receiveBuffer, Model::kPacketSize, Model::kPacketType,
-            [this](const QByteArray& packet) {
-                recordPacket(packet);
+            [this](decode::Bytes packet) {
+                recordPacket(packet.data, packet.size);
                 Model::DecodePacket(packet, decoded_);
                 decode::placePoints<Azimuth>(decoded_, currentFrame, lastFrame, Model::previousAzimuth,
                                              [this] { finishFrame(); });
             },
-            [this](const QByteArray& reply) {
-                replyReceived = 1;
-                decodeReply(reply, param);
-                SetMotorFrequency(param.frequency);
-            });
+            [this](decode::Bytes reply) { takeReply([reply](LidarParam& p) { decodeReply(reply, p); }); });
     }
 
-    QByteArray ReadParamCommand() override { return readParamCommand(param.frequency); }
+    QByteArray ReadParamCommand() override { return readParamCommand(storedFrequency()); }
 
     void SetMotorFrequency(quint8 code) override
     {
-        param.frequency = code;
+        storeFrequency(code);
         sendTwice(setFrequencyCommand(code));
     }
 
     void SetDeviceParam(quint8 value) override
     {
         sendWithRetries(setDeviceParamCommand(value), deviceParamAttempts);
-        SetMotorFrequency(param.frequency);
+        SetMotorFrequency(storedFrequency());
     }
 
     void SetLidarFilter(int mode) override
     {
-        sendWithRetries(setFilterCommand(mode, param.frequency), filterAttempts);
-        SetMotorFrequency(param.frequency);
+        sendWithRetries(setFilterCommand(mode, storedFrequency()), filterAttempts);
+        SetMotorFrequency(storedFrequency());
     }
 
     static int deviceParamAttempts;  // program-wide, never reset

@@ -9,20 +9,23 @@ double Wren_Kite::previousAzimuth = -1.0;
 
 Wren_Kite::Wren_Kite(QObject* parent) : WrenSession(parent) {}
 
-void Wren_Kite::DecodePacket(const QByteArray& packet, DecodedPacket& out)
+void Wren_Kite::DecodePacket(Bytes packet, DecodedPacket& out)
 {
     out.reset();
     out.motorSpeed = motorSpeedFromPeriod(be16(packet, 3));
     const auto angles = wren::groupAngles<double>(packet, 5, 55);
+    AzimuthTrig& trig = AzimuthTrig::forThisThread();
+    out.points.resize(wren::kGroups);
     for (int k = 0; k < wren::kGroups; ++k) {
         const int at = 7 + 3 * k;
-        out.points.push_back(makePoint(0, angles.at(k), be16(packet, at), u8(packet, at + 2)));
+        const double azimuth = angles.at(k);
+        setPoint(out.points[size_t(k)], 0, azimuth, be16(packet, at), u8(packet, at + 2), trig.of(azimuth));
     }
 }
 
-QVector<lidar::LidarDataPoint_V4> Wren_Kite::ParseRecordedPackets(const QVector<QByteArray>& packets)
+bool Wren_Kite::ParseRecordedBatch(const QVector<QByteArray>& packets, QVector<lidar::LidarDataPoint_V4>& frames)
 {
     // Offline the previous azimuth is kept in whole degrees.
-    static OfflineFrames<int32_t> frames;
-    return wren::parseRecorded<double>(packets, kPacketSize, DecodePacket, frames);
+    static OfflineFrames<int32_t> state;
+    return wren::parseRecorded<double>(packets, kPacketSize, DecodePacket, state, frames);
 }

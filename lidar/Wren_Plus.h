@@ -26,10 +26,16 @@ public:
     Q_INVOKABLE explicit Wren_Plus(QObject* parent = nullptr);
 
     // Every element is taken as a data packet; no header, type or checksum test.
-    static QVector<lidar::LidarDataPoint_V4> ParseRecordedPackets(const QVector<QByteArray>& packets);
+    static QVector<lidar::LidarDataPoint_V4> ParseRecordedPackets(const QVector<QByteArray>& packets)
+    {
+        return lidar::decode::parseWhole<ParseRecordedBatch>(packets);
+    }
+    // The same fed a recording's packets a batch at a time: the frames each
+    // batch completes are appended; false once a packet ended the parse.
+    static bool ParseRecordedBatch(const QVector<QByteArray>& packets, QVector<lidar::LidarDataPoint_V4>& frames);
 
     // Points of one data packet under channel IDs 0 and 1. Pure.
-    static void DecodePacket(const QByteArray& packet, lidar::decode::DecodedPacket& out);
+    static void DecodePacket(lidar::decode::Bytes packet, lidar::decode::DecodedPacket& out);
 
     static constexpr int kPacketSize = 108;
     static constexpr uint8_t kPacketType = 0x6C;

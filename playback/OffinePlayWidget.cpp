@@ -6,7 +6,9 @@
 #include "IniSettings.h"
 #include "LIdarFactory.h"
 #include "RecentFolder.h"
+#include "RecordingRefusal.h"
 #include "UserMessages.h"
+#include "RecordingOpener.h"
 #include "ui_OffinePlayWidget.h"
 
 #include <QDir>
@@ -166,6 +168,8 @@ void OffinePlayWidget::setControlsLoaded(bool isLoaded)
 
 void OffinePlayWidget::openFile()
 {
+    if (RecordingOpener::isOpening())
+        return;  // a click that slipped in while a recording loads
     // A paused live display clears the session's connected flag, but the
     // link is still up: its connection type says so.
     const auto session = LIdarFactory::GetInstance()->GetCurrentLidar();
@@ -188,12 +192,14 @@ void OffinePlayWidget::openFile()
             loadFrames(model, captured, path);
         return;
     }
-    const auto parsed = LIdarFactory::GetInstance()->ParseFile(path);
-    if (parsed.second.isEmpty()) {
-        inform(tr("information"), tr("Unable to parse this file"));
+    const RecordingOpener::Result opened = RecordingOpener::open(this, path);
+    if (opened.cancelled || opened.busy)
+        return;  // the player stays as it was
+    if (opened.frames.isEmpty()) {
+        inform(tr("information"), offline::refusalText(path));
         return;
     }
-    loadFrames(parsed.first, parsed.second, path);
+    loadFrames(opened.model, opened.frames, path);
 }
 
 void OffinePlayWidget::loadFrames(const QString& name, const QVector<lidar::LidarDataPoint_V4>& newFrames,

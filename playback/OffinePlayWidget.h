@@ -77,6 +77,8 @@ signals:
     void SendPlaybackFileSignal(QString path);
 
 public slots:
+    // Asks for a recording and loads it; a progress dialog shows while it is
+    // parsed. Returns once the frames are loaded, refused or cancelled.
     void openFile();
     void playPause();
     void previousFrame();

@@ -44,7 +44,7 @@
 <context>
     <name>CaptureFile</name>
     <message>
-        <location filename="../lidar/CaptureFile.cpp" line="+74"/>
+        <location filename="../lidar/CaptureFile.cpp" line="+85"/>
         <source>Cannot open %1: %2</source>
         <translation>无法打开 %1：%2</translation>
     </message>
@@ -373,7 +373,7 @@
 <context>
     <name>KeyboardShortcuts</name>
     <message>
-        <location filename="../app/ScanDeckWiring.cpp" line="+69"/>
+        <location filename="../app/ScanDeckWiring.cpp" line="+70"/>
         <source>Play or pause (recording or live display)</source>
         <translation>播放或暂停（录制文件或实时显示）</translation>
     </message>
@@ -431,14 +431,24 @@
 <context>
     <name>LidarAnalysis</name>
     <message>
-        <location filename="../lidar/LidarAnalysis.cpp" line="+53"/>
+        <location filename="../lidar/LidarAnalysis.cpp" line="+58"/>
         <source>Please set a valid connection status!</source>
         <translation>请设置有效的连接状态！</translation>
     </message>
     <message>
-        <location line="+41"/>
+        <location line="+43"/>
         <source>Failed to send data</source>
         <translation>数据发送失败</translation>
+    </message>
+    <message>
+        <location line="+122"/>
+        <source>The recording %1 could not be completed (%2).</source>
+        <translation>录制文件 %1 无法完成（%2）。</translation>
+    </message>
+    <message>
+        <location line="+29"/>
+        <source>Recording stopped: %1 could not be written (%2). It keeps the %3 packets recorded before.</source>
+        <translation>录制已停止：无法写入 %1（%2）。文件保留了此前录制的 %3 个数据包。</translation>
     </message>
 </context>
 <context>
@@ -552,18 +562,18 @@
         <translation>导出 CSV</translation>
     </message>
     <message>
-        <location filename="../playback/OffinePlayWidget.cpp" line="+108"/>
+        <location filename="../playback/OffinePlayWidget.cpp" line="+110"/>
         <location line="+4"/>
         <location line="+4"/>
-        <location line="+57"/>
-        <location line="+20"/>
+        <location line="+59"/>
+        <location line="+22"/>
         <location line="+11"/>
         <location line="+162"/>
         <source>information</source>
         <translation>提示</translation>
     </message>
     <message>
-        <location line="-193"/>
+        <location line="-195"/>
         <source>Please disconnect first!</source>
         <translation>请先断开连接！</translation>
     </message>
@@ -573,14 +583,14 @@
         <translation>打开文件</translation>
     </message>
     <message>
-        <location line="-68"/>
-        <location line="+81"/>
-        <location line="+11"/>
+        <location line="-70"/>
+        <location line="+96"/>
+        <location filename="../playback/RecordingRefusal.cpp" line="+12"/>
         <source>Unable to parse this file</source>
         <translation>无法解析该文件</translation>
     </message>
     <message>
-        <location line="-27"/>
+        <location line="-29"/>
         <source>Recordings (*.txt)</source>
         <translation>录制文件 (*.txt)</translation>
     </message>
@@ -595,7 +605,7 @@
         <translation>所有文件 (*)</translation>
     </message>
     <message>
-        <location line="+188"/>
+        <location line="+190"/>
         <source>There is an error in the input. Please enter it again</source>
         <translation>输入有误，请重新输入</translation>
     </message>
@@ -613,6 +623,11 @@
         <location line="+2"/>
         <source>Export CSV</source>
         <translation>导出 CSV</translation>
+    </message>
+    <message>
+        <location filename="../playback/RecordingRefusal.cpp" line="+5"/>
+        <source>The recording was cut short. &quot;scandeck-cli repair %1&quot; makes its complete packets readable again.</source>
+        <translation>该录制文件不完整。运行 &quot;scandeck-cli repair %1&quot; 可恢复其中完整的数据包。</translation>
     </message>
 </context>
 <context>
@@ -750,6 +765,24 @@
     </message>
 </context>
 <context>
+    <name>RecordingOpener</name>
+    <message>
+        <location filename="../playback/RecordingOpener.cpp" line="+28"/>
+        <source>Loading offline data...</source>
+        <translation>正在加载离线数据...</translation>
+    </message>
+    <message>
+        <location line="+0"/>
+        <source>Cancel</source>
+        <translation>取消</translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>Open offline data</source>
+        <translation>打开离线数据</translation>
+    </message>
+</context>
+<context>
     <name>RenderRateTip</name>
     <message>
         <location filename="../app/RenderRateTip.cpp" line="+22"/>
@@ -760,7 +793,7 @@
 <context>
     <name>ScanDeck</name>
     <message>
-        <location filename="../app/ScanDeck.cpp" line="+378"/>
+        <location filename="../app/ScanDeck.cpp" line="+395"/>
         <source>restart</source>
         <translation>重启</translation>
     </message>
@@ -782,8 +815,13 @@
         <translation>点云库 PCL</translation>
     </message>
     <message>
-        <location line="+67"/>
-        <location filename="../app/ScanDeckExport.cpp" line="+101"/>
+        <location line="-103"/>
+        <source>display behind: %1 frames skipped</source>
+        <translation>显示滞后：已跳过 %1 帧</translation>
+    </message>
+    <message>
+        <location line="+170"/>
+        <location filename="../app/ScanDeckExport.cpp" line="+110"/>
         <source>File saved</source>
         <translation>文件已保存</translation>
     </message>
@@ -796,12 +834,12 @@
     <message>
         <location line="+8"/>
         <location line="+6"/>
-        <location line="+45"/>
+        <location line="+48"/>
         <source>question</source>
         <translation>询问</translation>
     </message>
     <message>
-        <location line="-50"/>
+        <location line="-53"/>
         <source>Data is being recorded. Do you want to save the data before exiting the program?</source>
         <translation>正在录制数据，退出程序前是否保存数据？</translation>
     </message>
@@ -811,17 +849,12 @@
         <translation>正在导出 CSV 数据，退出程序前是否保存数据？</translation>
     </message>
     <message>
-        <location line="+41"/>
+        <location line="+44"/>
         <location filename="../app/ScanDeckLive.cpp" line="-82"/>
         <location line="+13"/>
         <location line="+6"/>
         <source>information</source>
         <translation>提示</translation>
-    </message>
-    <message>
-        <location line="+0"/>
-        <source>Unable to parse this file</source>
-        <translation>无法解析该文件</translation>
     </message>
     <message>
         <location line="+3"/>
@@ -881,15 +914,15 @@
         <translation>两点间距离：</translation>
     </message>
     <message>
-        <location filename="../app/ScanDeckExport.cpp" line="-47"/>
+        <location filename="../app/ScanDeckExport.cpp" line="-56"/>
         <location line="+21"/>
         <location line="+20"/>
-        <location line="+9"/>
+        <location line="+18"/>
         <source>Export CSV</source>
         <translation>导出 CSV</translation>
     </message>
     <message>
-        <location line="-44"/>
+        <location line="-53"/>
         <source>File save failed!</source>
         <translation>文件保存失败！</translation>
     </message>

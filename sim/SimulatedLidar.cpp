@@ -3,7 +3,7 @@
 #include "SimLinks.h"
 
 #include <QDateTime>
-#include <QMutexLocker>
+#include <mutex>
 #include <QTimer>
 
 namespace sim {
@@ -76,32 +76,32 @@ SimStats SimulatedLidar::stats() const
 
 DeviceState SimulatedLidar::deviceState() const
 {
-    QMutexLocker lock(&mutex_);
+    std::lock_guard<std::mutex> lock(mutex_);
     return state_;
 }
 
 QString SimulatedLidar::ptyPath() const
 {
-    QMutexLocker lock(&mutex_);
+    std::lock_guard<std::mutex> lock(mutex_);
     return ptyPath_;
 }
 
 QString SimulatedLidar::linkDescription() const
 {
-    QMutexLocker lock(&mutex_);
+    std::lock_guard<std::mutex> lock(mutex_);
     return linkDescription_;
 }
 
 QString SimulatedLidar::errorString() const
 {
-    QMutexLocker lock(&mutex_);
+    std::lock_guard<std::mutex> lock(mutex_);
     return error_;
 }
 
 void SimulatedLidar::setError(const QString& message)
 {
     {
-        QMutexLocker lock(&mutex_);
+        std::lock_guard<std::mutex> lock(mutex_);
         error_ = message;
     }
     emit failed(message);
@@ -133,7 +133,7 @@ bool SimulatedLidar::start()
     if (auto* udp = qobject_cast<UdpLink*>(link_))
         commandPort_ = udp->commandPort();
     {
-        QMutexLocker lock(&mutex_);
+        std::lock_guard<std::mutex> lock(mutex_);
         if (auto* pty = qobject_cast<PtyLink*>(link_))
             ptyPath_ = pty->slavePath();
         linkDescription_ = link_->description();
@@ -236,7 +236,7 @@ void SimulatedLidar::handleCommand(const QByteArray& command)
     ++commands_;
     CommandResult result;
     {
-        QMutexLocker lock(&mutex_);
+        std::lock_guard<std::mutex> lock(mutex_);
         result = sim::handleCommand(options_.model, command, state_, options_.firmware);
     }
     if (!result.accepted)

@@ -12,7 +12,7 @@
 #include "SimScanGenerator.h"
 
 #include <QElapsedTimer>
-#include <QMutex>
+#include <mutex>
 #include <QObject>
 #include <QString>
 #include <atomic>
@@ -83,7 +83,9 @@ private:
     double lastTickUs_ = 0.0;
     QByteArray commandBuffer_;
 
-    mutable QMutex mutex_;  // guards state_, ptyPath_, linkDescription_, error_
+    // Guards state_, ptyPath_, linkDescription_, error_; a standard mutex,
+    // whose locking ThreadSanitizer sees (QMutex it does not).
+    mutable std::mutex mutex_;
     DeviceState state_;
     QString ptyPath_;
     QString linkDescription_;

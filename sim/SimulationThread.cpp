@@ -1,5 +1,7 @@
 #include "SimulationThread.h"
 
+#include "RunOnThread.h"
+
 #include <QThread>
 
 namespace sim {
@@ -20,9 +22,8 @@ bool SimulationThread::start(const SimOptions& options, QString* error)
     QObject::connect(thread_, &QThread::finished, engine_, &QObject::deleteLater);
     thread_->start();
 
-    bool ok = false;
     SimulatedLidar* engine = engine_;
-    QMetaObject::invokeMethod(engine, [engine, &ok] { ok = engine->start(); }, Qt::BlockingQueuedConnection);
+    const bool ok = lidar::runOnThreadOf(engine, [engine] { return engine->start(); });
     if (!ok) {
         if (error)
             *error = engine_->errorString();
@@ -37,7 +38,7 @@ void SimulationThread::stop(int timeoutMs)
         return;
     SimulatedLidar* engine = engine_;
     if (thread_->isRunning())
-        QMetaObject::invokeMethod(engine, [engine] { engine->stop(); }, Qt::BlockingQueuedConnection);
+        lidar::runOnThreadOf(engine, [engine] { engine->stop(); });
     thread_->quit();
     if (thread_->wait(unsigned(timeoutMs)))
         delete thread_;

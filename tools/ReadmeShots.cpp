@@ -1,15 +1,20 @@
 // scandeck-readme-shots: the README's pictures of the measurement tools,
 // taken from the real window on the demo lidar (simulated, loopback only)
 // and driven the way an operator drives it: buttons clicked, points clicked
-// and a rubber band dragged with the mouse in the view. Run it under a
-// virtual display of the README's size, from the build directory:
+// and a rubber band dragged with the mouse in the view; then the player
+// loading a long recording. Run it under a virtual display of the README's
+// size, from the build directory:
 //   xvfb-run -a -s "-screen 0 1600x900x24" ./scandeck-readme-shots ../docs
 
 #include "BoxSelectionDialog.h"
 #include "DemoLidar.h"
 #include "GridPolarDialog.h"
 #include "LIdarFactory.h"
+#include "OffinePlayWidget.h"
 #include "ScanDeck.h"
+#include "SimRecording.h"
+#include "UserMessages.h"
+#include "Wren_Plus.h"
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -17,7 +22,10 @@
 #include <QElapsedTimer>
 #include <QMouseEvent>
 #include <QScreen>
+#include <QProgressDialog>
 #include <QStatusBar>
+#include <QTabWidget>
+#include <QTemporaryDir>
 #include <QThread>
 #include <QTimer>
 #include <cstdio>
@@ -123,6 +131,11 @@ int main(int argc, char* argv[])
     ScanDeck::prepareGraphics();
     QApplication app(argc, argv);
     const QDir out(app.arguments().value(1, QStringLiteral(".")));
+    // No message box may wait for a click: each is printed and answered.
+    usermessages::setHandler([](QWidget*, const UserMessage& m) {
+        std::fprintf(stderr, "scandeck-readme-shots: %s: %s\n", qPrintable(m.title), qPrintable(m.text));
+        return QMessageBox::Ok;
+    });
     int status = 0;
     {
         ScanDeck window;
@@ -179,7 +192,40 @@ int main(int argc, char* argv[])
         const int left = window.findChild<QWidget*>(QStringLiteral("label_motor_speed"))->mapTo(&window, QPoint()).x();
         save(out.filePath(QStringLiteral("measure-readouts.png")), bar.adjusted(left - 8, 0, 0, 0));
 
+        click(window, "btn_disconnect");
         demo.stop();
+        settle(300);
+
+        // The player opening ten minutes of a Wren_Plus, its parse slowed
+        // down here so that the progress dialog is on screen for the picture.
+        QTemporaryDir dir;
+        const QString recording = dir.filePath(QStringLiteral("Wren_Plus_10min.txt"));
+        sim::SimOptions options;
+        options.model = sim::Model::Wren_Plus;
+        if (!sim::writeRecording(options, 6000, recording, &error)) {
+            std::fprintf(stderr, "scandeck-readme-shots: %s\n", qPrintable(error));
+            return 1;
+        }
+        LIdarFactory::GetInstance()->RegisterBatchParseFunction(
+            QStringLiteral("Wren_Plus"), [](const QVector<QByteArray>& packets, QVector<lidar::LidarDataPoint_V4>& frames) {
+                QThread::msleep(25);
+                return Wren_Plus::ParseRecordedBatch(packets, frames);
+            });
+        window.findChild<QTabWidget*>(QStringLiteral("tabWidget"))
+            ->setCurrentWidget(window.findChild<QWidget*>(QStringLiteral("tab_offline")));
+        auto* player = window.findChild<OffinePlayWidget*>(QStringLiteral("offline"));
+        player->setOpenFileHook([&](const QString&, const QString&, const QString&) { return recording; });
+        player->setMessageHook([](const QString& title, const QString& text) {
+            std::fprintf(stderr, "scandeck-readme-shots: %s: %s\n", qPrintable(title), qPrintable(text));
+        });
+        QTimer::singleShot(1200, [&] {
+            auto* dialog = player->findChild<QProgressDialog*>();
+            if (dialog)
+                save(out.filePath(QStringLiteral("player-loading.png")), whole);
+        });
+        click(window, "btn_open_file");
+        LIdarFactory::GetInstance()->RegisterBatchParseFunction(QStringLiteral("Wren_Plus"),
+                                                                &Wren_Plus::ParseRecordedBatch);
         LIdarFactory::GetInstance()->Shutdown();
     }
     return status;

@@ -16,6 +16,7 @@
 #include <QTemporaryDir>
 #include <QTimer>
 #include <QtTest>
+#include <cmath>
 #include <cstring>
 #include <random>
 
@@ -94,6 +95,8 @@ private slots:
     void numberText_data();
     void numberText();
     void shortestTextReadsBackExactly();
+    void gridShortcutMatchesDigitsAndQt_data();
+    void gridShortcutMatchesDigitsAndQt();
     void csvLines();
     void convert_data();
     void convert();
@@ -112,6 +115,9 @@ private slots:
     void listenBaudRate();
     void listenSaysWhyNoFrameCame_data();
     void listenSaysWhyNoFrameCame();
+    void repair_data();
+    void repair();
+    void recordingOfAKilledListenIsRepaired();
 
 private:
     QString write(const QString& name, const QByteArray& content)
@@ -166,6 +172,56 @@ void CliTest::shortestTextReadsBackExactly()
         char shorter[64];
         std::snprintf(shorter, sizeof shorter, "%.*g", int(digits.size()) - 1, double(value));
         QVERIFY2(digits.size() <= 1 || std::strtof(shorter, nullptr) != value, text.constData());
+    }
+}
+
+void CliTest::gridShortcutMatchesDigitsAndQt_data()
+{
+    // Runs of values n * step from `first`: every one compared with the text
+    // found from the shortest digits, every 97th also with Qt's own text.
+    QTest::addColumn<bool>("isFloat");
+    QTest::addColumn<double>("first");
+    QTest::addColumn<double>("step");
+    QTest::addColumn<int>("count");
+    QTest::newRow("centimetres around zero") << true << -800.0 << 0.01 << 160001;
+    QTest::newRow("centimetres at the shortcut's limit") << true << 65500.0 << 0.01 << 7201;
+    QTest::newRow("millimetres at the shortcut's limit") << true << 8150.0 << 0.001 << 84001;
+    QTest::newRow("thousandths of a degree") << true << 0.0 << 0.001 << 360001;
+    QTest::newRow("distances in metres") << false << -10.0 << 0.001 << 200001;
+    QTest::newRow("distances at the shortcut's limit") << false << 2147483000.0 << 0.001 << 2000;
+    QTest::newRow("sevenths, never on the grid") << true << -50.0 << 1.0 / 7 << 700;
+}
+
+void CliTest::gridShortcutMatchesDigitsAndQt()
+{
+    QFETCH(bool, isFloat);
+    QFETCH(double, first);
+    QFETCH(double, step);
+    QFETCH(int, count);
+    for (int i = 0; i < count; ++i) {
+        // The grid value as the writers meet it: the nearest float or double,
+        // and its neighbours, which are on no grid.
+        const double exact = first + i * step;
+        for (int neighbour = -1; neighbour <= 1; ++neighbour) {
+            QByteArray text, digits;
+            double value = 0;
+            if (isFloat) {
+                const float f = std::nextafter(float(exact), neighbour < 0 ? -INFINITY : INFINITY);
+                value = neighbour == 0 ? float(exact) : f;
+                text = numbertext::shortest(float(value));
+                digits = numbertext::shortestByDigits(float(value));
+            } else {
+                value = neighbour == 0 ? exact : std::nextafter(exact, neighbour < 0 ? -INFINITY : INFINITY);
+                text = numbertext::shortest(value);
+                digits = numbertext::shortestByDigits(value);
+            }
+            if (text != digits)
+                QFAIL(qPrintable(QString("%1: %2, not %3").arg(value, 0, 'g', 17).arg(text, digits)));
+            // Qt's shortest text of the number the digits stand for is the same text.
+            if (i % 97 == 0 && QString::number(std::strtod(text.constData(), nullptr), 'g',
+                                               QLocale::FloatingPointShortest).toLatin1() != text)
+                QFAIL(qPrintable(QString("%1: Qt differs").arg(QString(text))));
+        }
     }
 }
 
@@ -329,6 +385,9 @@ void CliTest::badRecordingsFailWithOneLine_data()
         << QByteArray("\x7F\xFF\xFF\xF0\x00\x00\x00\x04Tern\x00\x00\x00\x04\xA5\x5A\x00\x00", 20)
         << "truncated or damaged" << false;
     QTest::newRow("truncated") << good.left(good.size() / 2) << "truncated or damaged" << false;
+    // Found only after thousands of packets were decoded and their frames written.
+    const QByteArray longer = recording("Tern", testing::ternRevolutions(120));
+    QTest::newRow("truncated late") << longer.left(longer.size() - 1000) << "truncated or damaged" << false;
     QTest::newRow("unregistered model") << recording("Falcon", testing::ternRevolutions(2))
                                         << "unknown model \"Falcon\"" << true;
     QTest::newRow("no complete frame") << recording("Tern", testing::ternRevolutions(1)) << "no complete frame"
@@ -519,6 +578,72 @@ void CliTest::listenSaysWhyNoFrameCame()
     QCOMPARE(process.exitCode(), 1);
     const QByteArray err = process.readAllStandardError();
     QVERIFY2(err.contains(says) && err.count('\n') == 1, err.constData());
+}
+
+void CliTest::repair_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<int>("exitCode");
+    QTest::addColumn<QString>("said");  // on stdout, or on stderr when it fails
+    QTest::addColumn<int>("packets");   // in the file afterwards, -1: left as it was
+    const QByteArray whole = recording("Tern", testing::ternRevolutions(2));
+    QByteArray unfinished = whole;
+    unfinished.replace(0, 4, QByteArray(4, '\xFF'));
+    QTest::newRow("unfinished, cut inside a packet")
+        << unfinished.left(4 + 8 + 30 * 96 + 40) << 0
+        << "repaired, kept 30 complete packets of model Tern (dropped 40 bytes of an incomplete packet)" << 30;
+    QTest::newRow("unfinished") << unfinished << 0 << "repaired, kept 48 complete packets of model Tern" << 48;
+    QTest::newRow("complete") << whole << 0 << "complete, 48 packets of model Tern; nothing to repair" << -1;
+    QTest::newRow("not a recording") << QByteArray("hello, this is not a recording\n") << 1
+                                     << "not a recording: it holds no complete element" << -1;
+    QTest::newRow("unknown model") << recording("Falcon", {}).replace(0, 4, QByteArray(4, '\xFF')) << 1
+                                   << "not a recording of a known model: left as it is" << -1;
+}
+
+void CliTest::repair()
+{
+    QFETCH(QByteArray, content);
+    QFETCH(int, exitCode);
+    QFETCH(QString, said);
+    QFETCH(int, packets);
+    const QString file = write("repair.txt", content);
+    const Run run = runCli({"repair", file});
+    QCOMPARE(run.exitCode, exitCode);
+    QCOMPARE(QString::fromLocal8Bit(exitCode ? run.err : run.out).trimmed(),
+             (exitCode ? "scandeck-cli: " + file + ": " : file + ": ") + said);
+    QFile repaired(file);
+    QVERIFY(repaired.open(QIODevice::ReadOnly));
+    if (packets < 0)
+        QCOMPARE(repaired.readAll(), content);
+    else
+        QCOMPARE(lidar::readRecordElements(repaired).size(), 1 + packets);
+}
+
+// A capture killed mid-way (as a crash or a power loss would stop it) has
+// its packets on disk; repair makes them a recording the tools read.
+void CliTest::recordingOfAKilledListenIsRepaired()
+{
+    testing::LoopbackLidar lidar;
+    const quint16 port = testing::freeUdpPort();
+    const QString record = dir_.filePath("killed.txt");
+    QProcess process;
+    process.start(cliPath(), {"listen", "--model", "Tern", "--udp", QString("127.0.0.1:%1").arg(port), "--frames",
+                              "1000", "--record", record, "--timeout", "30"});
+    QVERIFY(testing::waitFor([&] { return process.canReadLine(); }, 10000));
+    const QVector<QByteArray> packets = testing::ternRevolutions(4);
+    for (const QByteArray& packet : packets) {
+        lidar.send(packet, port);
+        testing::waitFor([] { return false; }, 1);
+    }
+    QVERIFY(testing::waitFor([&] { return lidar::scanRecordFile(record).complete == 1 + packets.size(); }));
+    process.kill();
+    QVERIFY(process.waitForFinished(5000));
+
+    QCOMPARE(runCli({"info", record}).exitCode, 1);
+    const Run repaired = runCli({"repair", record});
+    QCOMPARE(repaired.exitCode, 0);
+    QCOMPARE(repaired.out.trimmed(), (record + ": repaired, kept 96 complete packets of model Tern").toLocal8Bit());
+    QVERIFY(runCli({"info", record}).out.contains("complete frames:   3\n"));  // the fourth turn never closed
 }
 
 QTEST_MAIN(CliTest)

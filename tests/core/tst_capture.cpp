@@ -11,6 +11,7 @@
 #include "Tern.h"
 
 #include <QBuffer>
+#include <QtEndian>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -233,6 +234,12 @@ void CaptureTest::unusableCaptures_data()
         << captureFile(F::PcapMicroseconds, false, kLinkEthernet, lostPiece) << ""
         << "1 IP fragments never made a whole datagram and were skipped\n1 packets with broken headers were skipped"
         << 3;
+    // pcapng time stamps are 64-bit counts: these lie beyond the year 2262,
+    // past what nanoseconds since 1970 hold in 64 bits.
+    QByteArray farFuture = captureFile(F::PcapNg, false, kLinkEthernet, ethernetUdp(tern));
+    for (int block = 28 + 32; block + 16 <= farFuture.size(); block += qFromLittleEndian<quint32>(farFuture.constData() + block + 4))
+        qToLittleEndian<quint32>(0xFFFFFFF0u, farFuture.data() + block + 12);  // the stamp's high word
+    QTest::newRow("time stamps beyond the year 2262") << farFuture << "" << "" << 3;
 }
 
 void CaptureTest::unusableCaptures()
@@ -248,6 +255,8 @@ void CaptureTest::unusableCaptures()
     QVERIFY2(result.error.contains(error, Qt::CaseInsensitive), qPrintable(result.error));
     QVERIFY2(result.warnings.join('\n').contains(warning), qPrintable(result.warnings.join('\n')));
     QCOMPARE(texts.size(), frames);
+    if (result.summary.counts.datagrams > 0)
+        QVERIFY(result.summary.firstDatagramNs >= 0 && result.summary.lastDatagramNs >= result.summary.firstDatagramNs);
 
     // From memory, as the fuzz target reads, the same happens.
     capture::CaptureFile memory;

@@ -86,7 +86,7 @@ private slots:
 void SessionTest::freshSessionDefaults()
 {
     Tern session;
-    QCOMPARE(session.connectionType, -1);
+    QCOMPARE(session.connectionType.load(), -1);
     QCOMPARE(session.lidarPort, quint16(2369));
     QCOMPARE(session.dataPort, quint16(2368));
     QCOMPARE(session.lidarIp, QString("192.168.1.200"));
@@ -110,9 +110,13 @@ void SessionTest::freshSessionDefaults()
 
 void SessionTest::connectResetsBufferAndRejectsUnknownType()
 {
-    Tern session;
+    // Counts the parses: one per arrival of bytes, however often it connected.
+    struct CountingTern : Tern {
+        int parses = 0;
+        void ParseLidarData() override { ++parses, Tern::ParseLidarData(); }
+    } session;
     session.dataIp = session.lidarIp = "127.0.0.1";
-    for (int round = 0; round < 2; ++round) {
+    for (int round = 0; round < 3; ++round) {
         session.dataPort = freeUdpPort();
         session.receiveBuffer = QByteArray("\xA5\x5A stale", 8);
         session.frameReceived = 1;
@@ -120,10 +124,18 @@ void SessionTest::connectResetsBufferAndRejectsUnknownType()
         QVERIFY(session.receiveBuffer.isEmpty());
         QCOMPARE(int(session.frameReceived), 0);
         QCOMPARE(int(session.connected), 1);
-        QCOMPARE(session.connectionType, -1);  // the window sets it once frames arrive
-        session.DisconnectLidar();
-        QCOMPARE(int(session.connected), 0);
+        QCOMPARE(session.connectionType.load(), -1);  // the window sets it once frames arrive
+        if (round < 2) {
+            session.DisconnectLidar();
+            QCOMPARE(int(session.connected), 0);
+        }
     }
+    LoopbackLidar lidar;
+    lidar.send(ternRevolutions(1).first(), session.dataPort);
+    QVERIFY(waitFor([&] { return session.parses > 0; }));
+    QTest::qWait(50);
+    QCOMPARE(session.parses, 1);
+    session.DisconnectLidar();
 
     QSignalSpy messages(&session, &LidarAnalysis::SendMessageSignal);
     session.ConnectLidar(lidar::CONNECTION_TYPE(7));

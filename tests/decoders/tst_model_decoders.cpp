@@ -7,9 +7,12 @@
 
 #include "DecoderHarness.h"
 #include "PacketBuilders.h"
+#include "RecordFile.h"
 #include "Tern.h"
 #include "Wren_Kite.h"
 
+#include <QElapsedTimer>
+#include <QTemporaryDir>
 #include <QtTest>
 
 using namespace testing;
@@ -36,6 +39,22 @@ QByteArray wrenPacket(const QString& model, uint16_t start, uint16_t end)
     return wrenKitePacket(4167, start, end, QVector<WrenKiteGroup>(16, {1000, 10}));
 }
 
+// The packets a session's recording holds (after its model name and, for
+// Tern_P, version), recording to a file in `dir` while `feedAll` runs.
+template <typename Feed>
+QVector<QByteArray> recordedWhile(LidarAnalysis& session, const QTemporaryDir& dir, Feed&& feedAll)
+{
+    const QString file = dir.filePath(QStringLiteral("recorded.txt"));
+    if (!session.StartSaveData(file))
+        return {QByteArray("cannot record")};
+    feedAll();
+    session.EndSaveData();
+    const QVector<QByteArray> elements = lidar::readRecordFile(file);
+    return elements.mid(QLatin1String(session.metaObject()->className()) == QLatin1String("Tern_P") ? 2 : 1);
+}
+
+const QStringList kModels{"Tern", "Tern_GPS", "Tern_P", "Tern_Plus", "Wren_Plus", "Wren_Kite"};
+
 }  // namespace
 
 class ModelDecodersTest : public QObject {
@@ -43,6 +62,8 @@ class ModelDecodersTest : public QObject {
 private slots:
     void streams_data();
     void streams();
+    void hostileStreamsStayBounded_data();
+    void hostileStreamsStayBounded();
     void distanceWords_data();
     void distanceWords();
     void ternFramesEndAtTheWrapAndEarlyPointsOpenTheNext();
@@ -78,8 +99,9 @@ void ModelDecodersTest::streams_data()
     row("Tern byte by byte", all) << 1 << three << QByteArray() << QString() << -1 << 0 << 0u;
     row("Tern cut inside a trailer", all) << 91 << three << QByteArray() << QString() << -1 << 0 << 0u;
     row("Tern cut inside a header", all) << 93 << three << QByteArray() << QString() << -1 << 0 << 0u;
+    // Junk without a header after the last packet is not kept.
     row("Tern junk before headers", junk + three[0] + junk + three[1] + QByteArray(40, '\x11') + three[2] + junk)
-        << 50 << three << junk << QString() << -1 << 0 << 0u;
+        << 50 << three << QByteArray() << QString() << -1 << 0 << 0u;
     // The short piece up to a false trailer is dropped, the rest is junk.
     row("Tern trailer pattern inside data", three[0] + broken + three[0])
         << 0 << QVector<QByteArray>{three[0], three[0]} << QByteArray() << QString() << -1 << 0 << 0u;
@@ -132,22 +154,79 @@ void ModelDecodersTest::streams()
     QFETCH(int, value2);
     QFETCH(uint, version);
     std::unique_ptr<LidarAnalysis> session = makeSession(model);
-    session->saving.exchange(1);  // the recording shows each packet as cut
     QSignalSpy sent(session.get(), &LidarAnalysis::SendDataToLidarSignal);
-    for (int at = 0; at < stream.size(); at += piece ? piece : stream.size()) {
-        QVERIFY(!session->replyReceived);  // not before the whole reply
-        feed(*session, stream.mid(at, piece ? piece : -1));
-    }
-    feed(*session, QByteArray());  // once more without new bytes
-    QCOMPARE(session->savePackets, saved);
+    QTemporaryDir dir;
+    // The recording shows each packet as cut.
+    const QVector<QByteArray> recorded = recordedWhile(*session, dir, [&] {
+        for (int at = 0; at < stream.size(); at += piece ? piece : stream.size()) {
+            QVERIFY(!session->replyReceived);  // not before the whole reply
+            feed(*session, stream.mid(at, piece ? piece : -1));
+        }
+    });
+    QCOMPARE(recorded, saved);
     QCOMPARE(session->receiveBuffer, left);
-    QCOMPARE(session->replyReceived, uint8_t(!text.isEmpty()));
+    QCOMPARE(int(session->replyReceived), int(!text.isEmpty()));
     QCOMPARE(session->param.text, text);
     QCOMPARE(session->param.value1, mode);
     QCOMPARE(session->param.value2, value2);
-    QCOMPARE(session->versionNumber, version);
+    QCOMPARE(session->versionNumber.load(), version);
     const QByteArray run = commandBytes(0x55, 0x01, 1);  // a reply has the frequency sent again, twice
     QCOMPARE(spied<QByteArray>(sent), text.isEmpty() ? Bytes() : (Bytes{run, run}));
+}
+
+void ModelDecodersTest::hostileStreamsStayBounded_data()
+{
+    QTest::addColumn<QString>("model");
+    QTest::addColumn<QByteArray>("junk");
+    QTest::addColumn<int>("repeats");  // 0: the junk goes before every packet instead
+    const QByteArray fakeReply = QByteArray("\xA5\x5A", 2) + QByteArray(90, '\0');
+    const QByteArray noTrailer = QByteArray("\xA5\x5A", 2) + QByteArray(1022, '\x01');
+    for (const QString& model : kModels) {
+        const auto row = [&](const char* what) -> QTestData& {
+            return QTest::newRow(qPrintable(model + ' ' + what)) << model;
+        };
+        row("no header") << QByteArray(1024, '\x11') << 200;
+        row("header and 90 zero bytes") << fakeReply << 2000;
+        row("header without trailer") << noTrailer << 200;
+        if (model.startsWith("Tern"))
+            row("short pieces before every packet") << QByteArray("\xA5\x5A\x00\xFA\xFB\xA5\x5A\x00\xFA\xFB", 10) << 0;
+    }
+}
+
+// Junk keeps no more than a few packets' worth in the buffer, does not stop
+// the cutting, and bytes shaped like replies make the session send no more
+// than a burst of frequency commands and then two a second; the stream is
+// found again afterwards.
+void ModelDecodersTest::hostileStreamsStayBounded()
+{
+    QFETCH(QString, model);
+    QFETCH(QByteArray, junk);
+    QFETCH(int, repeats);
+    std::unique_ptr<LidarAnalysis> session = makeSession(model);
+    session->versionNumber = 215;
+    QSignalSpy sent(session.get(), &LidarAnalysis::SendDataToLidarSignal);
+    const QVector<QByteArray> packets = revolutionPackets(model, 2);
+    QTemporaryDir dir;
+    QElapsedTimer clock;
+    clock.start();
+    int largest = 0;
+    const QVector<QByteArray> recorded = recordedWhile(*session, dir, [&] {
+        const QByteArray block = junk.repeated(repeats);
+        for (int at = 0; at < block.size(); at += 1000) {
+            feed(*session, block.mid(at, 1000));
+            largest = qMax(largest, session->receiveBuffer.size());
+        }
+        for (const QByteArray& packet : packets) {
+            feed(*session, (repeats ? QByteArray() : junk) + packet);
+            if (!repeats)  // every packet is cut in its own arrival
+                QCOMPARE(session->receiveBuffer.size(), 0);
+        }
+    });
+    QVERIFY2(largest <= 2048, qPrintable(QString::number(largest)));
+    const qint64 allowed = 2 * (3 + clock.elapsed() / 500 + 1);
+    QVERIFY2(sent.count() <= allowed, qPrintable(QString::number(sent.count())));
+    // The first packet may be lost in the junk's last piece.
+    QVERIFY(recorded == packets || recorded == packets.mid(1));
 }
 
 void ModelDecodersTest::distanceWords_data()

@@ -129,7 +129,8 @@ void LiveEndToEndTest::connectRecordDisconnect()
             click(w, "btn_play_pause");
             QVERIFY(waitFor([&] { return framesSeen(live) >= atPause + 12; }, 10000));
         }
-        click(w, "btn_save_data");
+        click(w, "btn_save_data");  // the file is complete; the message comes from the session's thread
+        QVERIFY(waitFor([&] { return !messages.texts.isEmpty(); }));
         QCOMPARE(messages.texts, QStringList{"File saved: File save path:" + path});
         // While connected the player does not open files.
         clickPlayer(player, "btn_open_file");

@@ -4,6 +4,7 @@
 // by numbers, and the status readouts.
 
 #include "BoxSelectionDialog.h"
+#include "FacingLabels.h"
 #include "GridPolarDialog.h"
 #include "OverlayPainter.h"
 #include "ReadoutTexts.h"
@@ -20,7 +21,10 @@
 #include <vtkAbstractPicker.h>
 #include <vtkActor.h>
 #include <vtkActorCollection.h>
+#include <vtkCamera.h>
 #include <vtkFollower.h>
+#include <vtkMatrix4x4.h>
+#include <vtkPolyData.h>
 #include <vtkPolyDataMapper.h>
 #include <vtkProperty.h>
 #include <vtkRenderWindow.h>
@@ -73,13 +77,49 @@ vtkProp* shape(ScanDeck* w, const QString& id)
     return found == shapes->end() ? nullptr : found->second.GetPointer();
 }
 
+// An overlay label as the view draws it under its id.
+const FacingLabels::Label* overlayLabel(ScanDeck* w, const QString& id)
+{
+    auto* labels = FacingLabels::SafeDownCast(shape(w, id));
+    return labels ? labels->find(id.toStdString()) : nullptr;
+}
+
 // The text of a 3D label, or a null string when there is none.
 QString label3D(ScanDeck* w, const QString& id)
 {
+    if (const FacingLabels::Label* label = overlayLabel(w, id))
+        return QString::fromStdString(label->text);
     auto* follower = vtkFollower::SafeDownCast(shape(w, id));
     if (!follower)
         return QString();
     return QString::fromUtf8(vtkVectorText::SafeDownCast(follower->GetMapper()->GetInputAlgorithm())->GetText());
+}
+
+vtkPolyData* geometryOf(vtkProp* prop)
+{
+    return vtkPolyData::SafeDownCast(vtkActor::SafeDownCast(prop)->GetMapper()->GetInput());
+}
+
+// The two ends of a line cell, as x, y, z of the first and then the second.
+QList<double> endsOf(vtkPolyData* geometry, vtkIdType cell)
+{
+    double from[3], to[3];
+    vtkIdType count = 0;
+    const vtkIdType* ends = nullptr;
+    geometry->GetLines()->GetCellAtId(cell, count, ends);
+    geometry->GetPoint(ends[0], from);
+    geometry->GetPoint(ends[1], to);
+    return {from[0], from[1], from[2], to[0], to[1], to[2]};
+}
+
+bool near(const QList<double>& actual, const QList<double>& expected)
+{
+    if (actual.size() != expected.size())
+        return false;
+    for (int i = 0; i < actual.size(); ++i)
+        if (std::abs(actual[i] - expected[i]) > 1e-6)
+            return false;
+    return true;
 }
 
 QString text2D(ScanDeck* w, const QString& id)
@@ -131,6 +171,9 @@ private slots:
     void overlays_data();
     void overlays();
     void overlayDialog();
+    void labelsFaceTheCamera_data();
+    void labelsFaceTheCamera();
+    void labelsAreDrawn();
     void picking();
     void rangingPairs_data();
     void rangingPairs();
@@ -171,6 +214,7 @@ void MeasureTest::overlays()
     auto window = openWindow();
     ScanDeck* w = window.get();
     w->gridStep = w->polarStep = step;
+    const int propsBefore = w->renderer()->GetViewProps()->GetNumberOfItems();
     click(w, "btn_grid");
     click(w, "btn_polar");
 
@@ -183,26 +227,40 @@ void MeasureTest::overlays()
     for (const QString& id : w->gridLabelIds)
         texts << label3D(w, id);
     QCOMPARE((QStringList{texts[0], texts[1], texts.last()}), gridLabels);
-    auto* first = vtkFollower::SafeDownCast(shape(w, w->gridLabelIds.first()));
-    QCOMPARE(first->GetScale()[0], step * 0.001);
-    QCOMPARE(float(first->GetPosition()[1]), float(step * 0.01));
+    const FacingLabels::Label* first = overlayLabel(w, w->gridLabelIds.first());
+    QCOMPARE(first->scale, step * 0.001);
+    QCOMPARE(float(first->position[1]), float(step * 0.01));
 
-    QCOMPARE(int(w->overlays().polarRings().size()), 21);
+    // The lines in the order of their ids: the outermost along y, the
+    // centre line along x.
+    const double reach = 20 * step * 0.01;
+    vtkPolyData* lines = geometryOf(shape(w, w->gridLineIds.first()));
+    QCOMPARE(int(lines->GetNumberOfLines()), 82);
+    QVERIFY(near(endsOf(lines, 0), {-reach, -reach, 0, -reach, reach, 0}));
+    QVERIFY(near(endsOf(lines, 41), {-reach, 0, 0, reach, 0, 0}));
+
+    // 21 rings (polygon and outline each), the outermost reaching the edge.
+    QCOMPARE(int(w->overlays().polarRings().size()), 1);
+    vtkPolyData* rings = geometryOf(w->overlays().polarRings().front());
+    QCOMPARE(int(rings->GetNumberOfLines()), 21);
+    QCOMPARE(int(rings->GetNumberOfPolys()), 21);
+    // A 50-gon has a corner on the y axis, not on the x axis.
+    QVERIFY(std::abs(rings->GetBounds()[3] - reach) < 1e-6);
     QCOMPARE(w->polarLabelIds.size(), 40);
     QCOMPARE(label3D(w, w->polarLabelIds.last()), outerPolarLabel);
-    QCOMPARE(float(vtkFollower::SafeDownCast(shape(w, w->polarLabelIds.first()))->GetPosition()[0]), float(step * 0.01));
+    QCOMPARE(float(overlayLabel(w, w->polarLabelIds.first())->position[0]), float(step * 0.01));
     for (const QString& id : w->gridLineIds + w->gridLabelIds + w->polarLabelIds)
         QVERIFY2(shape(w, id), qPrintable(id));
 
-    // Off removes every id and ring; on again brings back the same ids.
+    // Off removes every id and every actor; on again brings back the same ids.
     const QStringList before = w->gridLineIds + w->gridLabelIds + w->polarLabelIds;
-    vtkSmartPointer<vtkActor> ring = w->overlays().polarRings().back();
     click(w, "btn_grid");
     click(w, "btn_polar");
     QVERIFY(w->gridLineIds.isEmpty() && w->gridLabelIds.isEmpty() && w->polarLabelIds.isEmpty());
     for (const QString& id : before)
         QVERIFY2(!shape(w, id), qPrintable(id));
-    QVERIFY(!w->renderer()->GetActors()->IsItemPresent(ring));
+    QVERIFY(w->overlays().polarRings().empty());
+    QCOMPARE(w->renderer()->GetViewProps()->GetNumberOfItems(), propsBefore);
     click(w, "btn_grid");
     click(w, "btn_polar");
     QCOMPARE(w->gridLineIds + w->gridLabelIds + w->polarLabelIds, before);
@@ -234,16 +292,102 @@ void MeasureTest::overlayDialog()
                                           d->findChild<QSlider*>("horizontalSlider_g")->setValue(0);
                                       }),
              dialog);
-    QList<vtkProp3D*> drawn;
+    // Grid lines, grid labels, rings, polar labels: one actor each.
+    QSet<vtkActor*> drawn;
     for (const QString& id : w->gridLineIds + w->gridLabelIds + w->polarLabelIds)
-        drawn << vtkProp3D::SafeDownCast(shape(w, id));
-    for (const auto& ring : w->overlays().polarRings())
-        drawn << ring.GetPointer();
-    QCOMPARE(drawn.size(), 82 + 38 + 21 + 40);
-    for (vtkProp3D* prop : drawn) {
-        const double* colour = vtkActor::SafeDownCast(prop)->GetProperty()->GetColor();
+        drawn << vtkActor::SafeDownCast(shape(w, id));
+    drawn << w->overlays().polarRings().front().GetPointer();
+    drawn.remove(nullptr);
+    QCOMPARE(drawn.size(), 4);
+    for (vtkActor* actor : drawn) {
+        const double* colour = actor->GetProperty()->GetColor();
         QCOMPARE((QList<double>{colour[0], colour[1], colour[2]}), (QList<double>{1.0, 0.0, 0.0}));
     }
+    QCOMPARE(vtkActor::SafeDownCast(shape(w, w->gridLineIds.first()))->GetProperty()->GetOpacity(), 0.5);
+    QCOMPARE(w->overlays().polarRings().front()->GetProperty()->GetOpacity(), 0.25);
+    QCOMPARE(vtkActor::SafeDownCast(shape(w, w->gridLabelIds.first()))->GetProperty()->GetOpacity(), 1.0);
+}
+
+void MeasureTest::labelsFaceTheCamera_data()
+{
+    QTest::addColumn<QVector<double>>("camera");  // position, focal point, view-up
+    QTest::addColumn<bool>("parallel");
+    QTest::newRow("from above") << QVector<double>{0, 0, 15, 0, 0, 0, 0, 1, 0} << false;
+    QTest::newRow("from the left") << QVector<double>{-10, 0, 5, 0, 0, 0, 0, 0, 1} << false;
+    QTest::newRow("oblique, turned") << QVector<double>{7, -4, 3, 1, 2, 0, 0.3, 0.2, 1} << false;
+    QTest::newRow("parallel projection") << QVector<double>{3, -10, 6, 0, 0, 0, 0, 0, 1} << true;
+}
+
+// Each label is drawn where a follower of the same text, position and scale
+// would draw it, also after the camera has moved.
+void MeasureTest::labelsFaceTheCamera()
+{
+    QFETCH(QVector<double>, camera);
+    QFETCH(bool, parallel);
+    auto view = vtkSmartPointer<vtkCamera>::New();
+    view->SetPosition(0, 0, 15);
+    auto labels = vtkSmartPointer<FacingLabels>::New();
+    const std::vector<FacingLabels::Label> given{{"near", "100CM", {0, 1, 0}, 0.1},
+                                                 {"far", "-1900CM", {-19, 0, 0}, 0.02}};
+    labels->setLabels(given, view);
+    view->SetPosition(camera[0], camera[1], camera[2]);
+    view->SetFocalPoint(camera[3], camera[4], camera[5]);
+    view->SetViewUp(camera[6], camera[7], camera[8]);
+    view->SetParallelProjection(parallel);
+
+    for (const FacingLabels::Label& label : given) {
+        auto text = vtkSmartPointer<vtkVectorText>::New();
+        text->SetText(label.text.c_str());
+        text->Update();
+        auto follower = vtkSmartPointer<vtkFollower>::New();
+        follower->SetPosition(label.position[0], label.position[1], label.position[2]);
+        follower->SetScale(label.scale);
+        follower->SetCamera(view);
+        vtkMatrix4x4* matrix = follower->GetMatrix();
+        const auto drawn = labels->drawnPoints(label.id);
+        QCOMPARE(vtkIdType(drawn.size()), text->GetOutput()->GetNumberOfPoints());
+        for (size_t i = 0; i < drawn.size(); ++i) {
+            double glyph[4] = {0, 0, 0, 1};
+            text->GetOutput()->GetPoint(vtkIdType(i), glyph);
+            double expected[4];
+            matrix->MultiplyPoint(glyph, expected);
+            for (int k = 0; k < 3; ++k)
+                QVERIFY2(std::abs(drawn[i][size_t(k)] - expected[k]) < 1e-5,
+                         qPrintable(QString("%1 point %2").arg(QString::fromStdString(label.id)).arg(i)));
+        }
+    }
+    QCOMPARE(labels->find("far")->text, std::string("-1900CM"));
+    QVERIFY(!labels->find("right_grid100"));
+}
+
+// The labels reach the screen: in pure red on black, where "300CM" lies
+// and not in an area of the same size just below the x axis.
+void MeasureTest::labelsAreDrawn()
+{
+    auto window = openWindow();
+    ScanDeck* w = window.get();
+    w->overlayColour = QColor(255, 0, 0);
+    click(w, "btn_polar");
+    auto* labels = FacingLabels::SafeDownCast(shape(w, "right_polar300"));
+    QVERIFY(labels);
+    QRect area;
+    for (const auto& p : labels->drawnPoints("right_polar300"))
+        area |= QRect(drawnAt(w, p[0], p[1], p[2]), QSize(1, 1));
+    const QImage image = control<QVTKOpenGLNativeWidget>(w, "openGLWidget")->grabFramebuffer();
+    const double ratio = view(w)->devicePixelRatioF();
+    auto redPixels = [&](const QRect& r) {
+        int count = 0;
+        for (int y = r.top(); y <= r.bottom(); ++y)
+            for (int x = r.left(); x <= r.right(); ++x) {
+                const QColor c = image.pixelColor(int(x * ratio), int(y * ratio));
+                count += c.red() > 150 && c.green() < 60 && c.blue() < 60;
+            }
+        return count;
+    };
+    const int axis = drawnAt(w, 3, 0).y();
+    QVERIFY2(area.bottom() <= axis + 1, qPrintable(QString("%1 %2").arg(area.bottom()).arg(axis)));
+    QVERIFY2(redPixels(area) > area.width() * area.height() / 10, qPrintable(QString::number(redPixels(area))));
+    QCOMPARE(redPixels(QRect(area.left(), axis + 3, area.width(), area.height())), 0);
 }
 
 // Single picks, a ranging pair, a single pick after it, a click on empty
@@ -493,7 +637,7 @@ void MeasureTest::everyControlHasAnEffect()
 
     if (name == "btn_grid" || name == "btn_polar") {
         click(w, control);
-        QVERIFY(renderer->GetViewProps()->GetNumberOfItems() > propsBefore + 20);
+        QVERIFY(renderer->GetViewProps()->GetNumberOfItems() > propsBefore);
     } else if (name == "btn_set_grid_polar") {
         click(w, "btn_grid");
         const QString outer = w->gridLineIds.first();

@@ -10,6 +10,7 @@
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
+#include <QProgressDialog>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QSlider>
@@ -64,6 +65,8 @@ private slots:
     void frameBox();
     void openRefused_data();
     void openRefused();
+    void openKeepsTheWindowServed_data();
+    void openKeepsTheWindowServed();
 
 private:
     template <typename T>
@@ -211,19 +214,23 @@ void PlayerTest::openRefused_data()
 {
     QTest::addColumn<QVector<QByteArray>>("elements");  // empty: no file
     QTest::addColumn<int>("cutAt");
+    QTest::addColumn<bool>("cutShort");  // the message says how to repair it
     const auto tern = QVector<QByteArray>{"Tern"} + testing::ternRevolutions(3);
-    QTest::newRow("live session connected") << tern << -1;
-    QTest::newRow("missing file") << QVector<QByteArray>{} << -1;
-    QTest::newRow("zero length") << tern << 0;
-    QTest::newRow("truncated in the first packet") << tern << 100;
-    QTest::newRow("model name only") << QVector<QByteArray>{"Tern"} << -1;
-    QTest::newRow("unregistered model") << QVector<QByteArray>{"Heron"} + testing::ternRevolutions(3) << -1;
+    QTest::newRow("live session connected") << tern << -1 << false;
+    QTest::newRow("missing file") << QVector<QByteArray>{} << -1 << false;
+    QTest::newRow("zero length") << tern << 0 << false;
+    QTest::newRow("truncated in the first packet") << tern << 100 << true;
+    QTest::newRow("model name only") << QVector<QByteArray>{"Tern"} << -1 << false;
+    QTest::newRow("unregistered model") << QVector<QByteArray>{"Heron"} + testing::ternRevolutions(3) << -1 << false;
+    QTest::newRow("unregistered model, truncated") << QVector<QByteArray>{"Heron"} + testing::ternRevolutions(3) << 100
+                                                   << false;
 }
 
 void PlayerTest::openRefused()
 {
     QFETCH(QVector<QByteArray>, elements);
     QFETCH(int, cutAt);
+    QFETCH(bool, cutShort);
     const bool live = QTest::currentDataTag() == QByteArray("live session connected");
     auto session = LIdarFactory::GetInstance()->ChangeLidar("Tern");
     session->lidarIp = session->dataIp = "127.0.0.1";
@@ -232,8 +239,47 @@ void PlayerTest::openRefused()
     QVERIFY(elements.isEmpty() || writeRecording(pathToOpen, elements, cutAt));
     click("btn_open_file");
     session->connected = 0;
-    QCOMPARE(messages.join(""), live ? "information: Please disconnect first!" : "information: Unable to parse this file");
+    const QString refused = "information: Unable to parse this file";
+    QCOMPARE(messages.join(""), live ? "information: Please disconnect first!"
+                                : cutShort ? refused + "\nThe recording was cut short. \"scandeck-cli repair " +
+                                                 pathToOpen + "\" makes its complete packets readable again."
+                                           : refused);
     QVERIFY(!player->isLoaded() && spy->isEmpty());
+}
+
+void PlayerTest::openKeepsTheWindowServed_data()
+{
+    QTest::addColumn<bool>("cancel");
+    QTest::newRow("loaded when open returns") << false;
+    QTest::newRow("cancel leaves the player as it was") << true;
+}
+
+void PlayerTest::openKeepsTheWindowServed()
+{
+    QFETCH(bool, cancel);
+    // Long enough to report progress several times on the way.
+    pathToOpen = dir.filePath("long.txt");
+    QVERIFY(writeRecording(pathToOpen, QVector<QByteArray>{"Tern"} + testing::ternRevolutions(400)));
+    int asked = 0;
+    player->setOpenFileHook([&](const QString&, const QString&, const QString&) { return ++asked, pathToOpen; });
+    // Runs as soon as the parse lets events through: a second click on Open
+    // while the first loads, then perhaps Cancel.
+    bool served = false;
+    QTimer::singleShot(0, player, [&] {
+        served = true;
+        player->openFile();
+        if (cancel)
+            player->findChild<QProgressDialog*>()->cancel();
+    });
+    click("btn_open_file");
+    QVERIFY(served);
+    QCOMPARE(asked, 1);
+    QVERIFY(messages.isEmpty());
+    QCOMPARE(player->isLoaded(), !cancel);
+    QCOMPARE(player->frameCount(), cancel ? 0 : 399);
+    QCOMPARE(spy->size(), cancel ? 0 : 1);
+    QVERIFY(!player->findChild<QProgressDialog*>());
+    QCOMPARE(child<QPushButton>("btn_open_file")->isEnabled(), cancel);
 }
 
 QTEST_MAIN(PlayerTest)

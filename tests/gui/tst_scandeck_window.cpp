@@ -1,23 +1,30 @@
 // The main window without a lidar: its state at start, the language taken
 // from and written to the settings file, hand-made frames through showFrame
 // (rounding, angle range, colours, box, table), the colour legend, camera
-// views, the offline player in the window (an unusable file, the open
-// dialog's folder and filter, the title, connecting refused while loaded)
-// and the keyboard shortcuts.
+// views, live frames when drawing falls behind, the offline player in the
+// window (an unusable file, the open dialog's folder and filter, the title,
+// connecting refused while loaded) and the keyboard shortcuts.
 
 #include "AboutDialog.h"
 #include "ColourLegendOverlay.h"
+#include "ExportDataDialog.h"
+#include "LiveFrameQueue.h"
 #include "OffinePlayWidget.h"
 #include "SimRecording.h"
+#include "Tern.h"
 #include "tst_scandeck_support.h"
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QDialogButtonBox>
 #include <QDoubleSpinBox>
 #include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
 #include <QSpinBox>
 #include <QStandardItemModel>
 #include <QTabWidget>
+#include <QThread>
 
 #include <vtkCamera.h>
 #include <vtkRenderer.h>
@@ -61,6 +68,7 @@ private slots:
     void boxSelection();
     void cameraViews_data();
     void cameraViews();
+    void liveFramesSkipOnlyWhenDrawingFallsBehind();
     void playerInTheWindow();
     void colourLegend_data();
     void colourLegend();
@@ -237,6 +245,64 @@ void ScanDeckWindowTest::cameraViews()
     const double *toFocal = camera->GetDirectionOfProjection(), *up = camera->GetViewUp();
     for (int i = 0; i < 3; ++i)
         QVERIFY(std::abs(toFocal[i] + direction[i]) < 1e-6 && std::abs(up[i] - viewUp[i]) < 1e-6);
+}
+
+// Frames are told apart by their motor speed: 0, 1, 2, ...
+void ScanDeckWindowTest::liveFramesSkipOnlyWhenDrawingFallsBehind()
+{
+    auto w = openWindow();
+    Tern session;
+    LiveFrameQueue* queue = w->liveFrames();
+    const QMetaObject::Connection attached = queue->attach(&session);
+    QList<int> drawn, skipped;
+    connect(queue, &LiveFrameQueue::frameReady, w.get(), [&](const Frame& f) { drawn << f.motorSpeed; });
+    connect(queue, &LiveFrameQueue::frameSkipped, w.get(), [&](const Frame& f) { skipped << f.motorSpeed; });
+    auto* label = w->findChild<QLabel*>(QStringLiteral("label_display_behind"));
+    const auto send = [&](int number) {
+        Frame frame = ringFrame(200);
+        frame.motorSpeed = number;
+        emit session.SendleLidarDataSignal(frame);
+    };
+
+    // Drawing keeps up: every frame, in order.
+    QList<int> expected;
+    for (int i = 0; i < 30; ++i) {
+        send(i);
+        expected << i;
+        QCoreApplication::processEvents();
+    }
+    QVERIFY(waitFor([&] { return drawn.size() == 30; }));
+    QCOMPARE(drawn, expected);
+    QVERIFY(skipped.isEmpty() && label->isHidden());
+
+    // The window is busy for 1.3 s while frames keep coming: those more
+    // than a second older than the newest are skipped, the rest drawn. A
+    // CSV export running meanwhile still writes every one of them.
+    QTemporaryDir files;
+    w->setExportDialogHook([&](ExportDataDialog& d) {
+        d.findChild<QSpinBox*>("spinBox_frame_count")->setValue(1000);
+        d.findChild<QLineEdit*>("lineEdit_path")->setText(files.filePath("live.csv"));
+        d.findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Ok)->click();
+        return d.result() == QDialog::Accepted;
+    });
+    auto* exportButton = control<QAbstractButton>(w.get(), "btn_export_csv");
+    exportButton->setEnabled(true);  // it waits for a lidar otherwise
+    exportButton->click();
+    QVERIFY(w->csvExport().isActive());
+    drawn.clear();
+    for (int i = 0; i < 130; ++i) {
+        send(100 + i);
+        QThread::msleep(10);
+    }
+    QVERIFY(waitFor([&] { return drawn.size() + skipped.size() == 130; }));
+    QVERIFY(skipped.size() >= 20 && drawn.size() >= 90);
+    QCOMPARE(skipped + drawn, [] { QList<int> all; for (int i = 0; i < 130; ++i) all << 100 + i; return all; }());
+    QCOMPARE(queue->skippedFrames(), quint64(skipped.size()));
+    QVERIFY(label->isVisible());
+    QCOMPARE(label->text(), QString("display behind: %1 frames skipped").arg(skipped.size()));
+    QCOMPARE(w->lastFrame().motorSpeed, 229);
+    QCOMPARE(w->csvExport().framesWritten(), 130);
+    disconnect(attached);
 }
 
 void ScanDeckWindowTest::playerInTheWindow()

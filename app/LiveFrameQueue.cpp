@@ -1,0 +1,88 @@
+#include "LiveFrameQueue.h"
+
+#include <vector>
+
+LiveFrameQueue::LiveFrameQueue(QObject* parent) : QObject(parent)
+{
+    clock_.start();
+}
+
+QMetaObject::Connection LiveFrameQueue::attach(LidarAnalysis* session)
+{
+    {
+        std::lock_guard<std::mutex> lock(mutex_);
+        skipped_ = 0;
+    }
+    emit skippedFramesChanged(0);
+    return connect(
+        session, &LidarAnalysis::SendleLidarDataSignal, this,
+        [this](const lidar::LidarDataPoint_V4& frame) { take(frame); }, Qt::DirectConnection);
+}
+
+quint64 LiveFrameQueue::skippedFrames() const
+{
+    std::lock_guard<std::mutex> lock(mutex_);
+    return skipped_;
+}
+
+int LiveFrameQueue::waitingFrames() const
+{
+    std::lock_guard<std::mutex> lock(mutex_);
+    return int(waiting_.size());
+}
+
+qint64 LiveFrameQueue::lastWaitNs() const
+{
+    std::lock_guard<std::mutex> lock(mutex_);
+    return lastWaitNs_;
+}
+
+void LiveFrameQueue::take(const lidar::LidarDataPoint_V4& frame)
+{
+    std::lock_guard<std::mutex> lock(mutex_);
+    waiting_.push_back({clock_.nsecsElapsed(), frame});
+    if (!deliveryPosted_) {
+        deliveryPosted_ = true;
+        postDelivery();
+    }
+}
+
+void LiveFrameQueue::postDelivery()
+{
+    QMetaObject::invokeMethod(this, &LiveFrameQueue::deliverNext, Qt::QueuedConnection);
+}
+
+void LiveFrameQueue::deliverNext()
+{
+    std::vector<lidar::LidarDataPoint_V4> skipped;
+    lidar::LidarDataPoint_V4 next;
+    bool more = false;
+    quint64 skippedTotal = 0;
+    {
+        std::lock_guard<std::mutex> lock(mutex_);
+        if (waiting_.empty()) {
+            deliveryPosted_ = false;
+            return;
+        }
+        const qint64 newest = waiting_.back().arrivedNs;
+        while (waiting_.size() > 1 && newest - waiting_.front().arrivedNs > kMaxBacklogNs) {
+            skipped.push_back(std::move(waiting_.front().frame));
+            waiting_.pop_front();
+        }
+        skipped_ += skipped.size();
+        skippedTotal = skipped_;
+        next = std::move(waiting_.front().frame);
+        lastWaitNs_ = clock_.nsecsElapsed() - waiting_.front().arrivedNs;
+        waiting_.pop_front();
+        more = !waiting_.empty();
+        deliveryPosted_ = more;
+    }
+    for (const lidar::LidarDataPoint_V4& frame : skipped)
+        emit frameSkipped(frame);
+    if (!skipped.empty())
+        emit skippedFramesChanged(skippedTotal);
+    emit frameReady(std::move(next));
+    // After the drawing: whatever else waits in the event loop goes first.
+    if (more)
+        postDelivery();
+}

@@ -1,0 +1,60 @@
+#pragma once
+// Live frames on their way from the session's thread to the display. They
+// are taken in on the session's thread and handed out one at a time on the
+// thread this queue lives on, each after the event loop has had its turn,
+// so that timers, input and painting never wait behind a pile of frames.
+//
+// While drawing keeps up (the normal case) every frame is drawn, in order.
+// When drawing falls behind and more than a second's worth of frames waits,
+// the oldest waiting frames are skipped for the display and counted, so
+// memory and latency stay bounded. A skipped frame still goes out through
+// frameSkipped, for whatever must see every frame (the CSV export); the
+// recording is made from the packets and never depends on the display.
+
+#include "LidarAnalysis.h"
+#include "LidarRecords.h"
+
+#include <QElapsedTimer>
+#include <QObject>
+#include <deque>
+#include <mutex>
+
+class LiveFrameQueue : public QObject {
+    Q_OBJECT
+public:
+    // Frames older than the newest waiting one by more than this are skipped.
+    static constexpr qint64 kMaxBacklogNs = 1000000000;
+
+    explicit LiveFrameQueue(QObject* parent = nullptr);
+
+    // Takes `session`'s frames from now on, on the session's own thread, and
+    // starts the skipped count afresh. Disconnect the returned connection to
+    // stop.
+    QMetaObject::Connection attach(LidarAnalysis* session);
+
+    quint64 skippedFrames() const;
+    int waitingFrames() const;
+    // How long the frame last handed out had waited since it arrived.
+    qint64 lastWaitNs() const;
+
+signals:
+    void frameReady(lidar::LidarDataPoint_V4 frame);
+    void frameSkipped(const lidar::LidarDataPoint_V4& frame);
+    void skippedFramesChanged(quint64 total);
+
+private:
+    struct Waiting {
+        qint64 arrivedNs;
+        lidar::LidarDataPoint_V4 frame;
+    };
+    void take(const lidar::LidarDataPoint_V4& frame);  // any thread
+    void deliverNext();                                // this object's thread
+    void postDelivery();
+
+    mutable std::mutex mutex_;
+    std::deque<Waiting> waiting_;
+    bool deliveryPosted_ = false;
+    quint64 skipped_ = 0;
+    qint64 lastWaitNs_ = 0;
+    QElapsedTimer clock_;
+};

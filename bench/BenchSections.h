@@ -1,0 +1,20 @@
+#pragma once
+// The sections of scandeck-bench; each prints its table and returns whether
+// every target in it was met.
+
+#include <QString>
+#include <QStringList>
+
+namespace bench {
+
+bool decodingSection(const QStringList& models);
+bool csvSection();
+bool recordingSection();
+
+// The child side of the player's parse figure: parses `fileName` through the
+// registry and prints what it found; returns the exit status.
+int parseAndReport(const QString& fileName);
+// The child that writes a ten-minute recording of `model`.
+int writeRecordingAndExit(const QString& model, const QString& fileName);
+
+}  // namespace bench

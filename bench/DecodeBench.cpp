@@ -1,0 +1,129 @@
+// Decoding speed of every registered model, live and offline, beside a plain
+// read of the same packets.
+
+#include "BenchSections.h"
+#include "BenchSupport.h"
+#include "LIdarFactory.h"
+#include "LidarAnalysis.h"
+
+#include <QElapsedTimer>
+#include <cstdio>
+#include <memory>
+
+namespace bench {
+namespace {
+
+constexpr double kTargetPacketsPerSecond = 1000000.0;
+constexpr int kRevolutions = 2000;  // 48,000 packets a run
+constexpr double kMinimumSeconds = 1.0;
+
+struct Rate {
+    double packetsPerSecond = 0;
+    double pointsPerSecond = 0;
+    qint64 frames = 0;
+};
+
+std::unique_ptr<LidarAnalysis> createSession(const QString& model)
+{
+    const auto& classes = LIdarFactory::GetInstance()->classMap;
+    for (auto it = classes.constBegin(); it != classes.constEnd(); ++it)
+        if (QString::fromLatin1(it.key()) == model)
+            return std::unique_ptr<LidarAnalysis>(qobject_cast<LidarAnalysis*>(it.value()->newInstance()));
+    return nullptr;
+}
+
+// Live path: one packet per datagram appended to the receive buffer, the
+// decoder called after each, frames counted by a direct connection.
+Rate measureLive(const QString& model, const Stream& stream)
+{
+    std::unique_ptr<LidarAnalysis> session = createSession(model);
+    if (!session)
+        return {};
+    session->versionNumber = uint32_t(stream.versionNumber);
+    session->connected = 1;
+    Rate rate;
+    qint64 points = 0;
+    QObject::connect(session.get(), &LidarAnalysis::SendleLidarDataSignal, session.get(),
+                     [&](const lidar::LidarDataPoint_V4& frame) {
+                         ++rate.frames;
+                         points += qint64(frame.pointCount());
+                     },
+                     Qt::DirectConnection);
+    qint64 packets = 0;
+    QElapsedTimer timer;
+    timer.start();
+    do {
+        for (const QByteArray& datagram : stream.packets) {
+            session->receiveBuffer.append(datagram);
+            session->ParseLidarData();
+        }
+        packets += stream.packets.size();
+    } while (timer.nsecsElapsed() < qint64(kMinimumSeconds * 1e9));
+    const double seconds = timer.nsecsElapsed() / 1e9;
+    rate.packetsPerSecond = packets / seconds;
+    rate.pointsPerSecond = points / seconds;
+    return rate;
+}
+
+// Offline path: the registered parse function over the packet list.
+Rate measureOffline(const QString& model, const Stream& stream)
+{
+    const ParseFunction parse = LIdarFactory::GetInstance()->parseMap.value(model);
+    if (!parse)
+        return {};
+    const QVector<QByteArray> input = stream.recordPrefix + stream.packets;
+    Rate rate;
+    qint64 packets = 0, points = 0;
+    QElapsedTimer timer;
+    timer.start();
+    do {
+        const QVector<lidar::LidarDataPoint_V4> frames = parse(input);
+        rate.frames += frames.size();
+        for (const auto& frame : frames)
+            points += qint64(frame.pointCount());
+        packets += stream.packets.size();
+    } while (timer.nsecsElapsed() < qint64(kMinimumSeconds * 1e9));
+    const double seconds = timer.nsecsElapsed() / 1e9;
+    rate.packetsPerSecond = packets / seconds;
+    rate.pointsPerSecond = points / seconds;
+    return rate;
+}
+
+void printRate(const QString& model, const char* path, const Rate& rate, double plainRead)
+{
+    const bool ok = rate.packetsPerSecond >= kTargetPacketsPerSecond;
+    std::printf("%-10s %-8s %13s %14s %7lld %6s   %15s %8.2f %%\n", model.toLatin1().constData(), path,
+                qPrintable(grouped(rate.packetsPerSecond)), qPrintable(grouped(rate.pointsPerSecond)),
+                (long long)rate.frames, ok ? "ok" : "MISSED", qPrintable(grouped(plainRead)),
+                100.0 * rate.packetsPerSecond / plainRead);
+}
+
+}  // namespace
+
+bool decodingSection(const QStringList& models)
+{
+    std::printf("Decoding on one core: target %s packets/s for every model and path; beside it a plain read\n"
+                "of the same packets (every byte read once, nothing decoded) and the decoder's share of it.\n\n",
+                qPrintable(grouped(kTargetPacketsPerSecond)));
+    std::printf("%-10s %-8s %13s %14s %7s %6s   %15s %10s\n", "model", "path", "packets/s", "points/s", "frames",
+                "", "plain packets/s", "of plain");
+    bool allMet = true;
+    for (const QString& model : models) {
+        const Stream stream = buildStream(model, kRevolutions);
+        if (stream.packets.isEmpty()) {
+            std::printf("%-10s (no packet builder for this model, skipped)\n", model.toLatin1().constData());
+            continue;
+        }
+        const double plainRead = plainReadPacketsPerSecond(stream.packets);
+        const Rate live = measureLive(model, stream);
+        const Rate offline = measureOffline(model, stream);
+        printRate(model, "live", live, plainRead);
+        printRate(model, "offline", offline, plainRead);
+        allMet = allMet && live.packetsPerSecond >= kTargetPacketsPerSecond &&
+                 offline.packetsPerSecond >= kTargetPacketsPerSecond;
+    }
+    std::fflush(stdout);
+    return allMet;
+}
+
+}  // namespace bench

@@ -1,0 +1,158 @@
+#include "RecordingWriter.h"
+
+#include <QFile>
+#include <QSaveFile>
+#include <QtEndian>
+
+namespace lidar {
+
+namespace {
+
+constexpr int kWriteThreshold = 64 * 1024;
+
+void appendBe32(QByteArray& out, quint32 value)
+{
+    char bytes[4];
+    qToBigEndian(value, bytes);
+    out.append(bytes, 4);
+}
+
+// Elements as QDataStream writes a QByteArray: a 32-bit length, the bytes.
+QByteArray encodeElements(const QVector<QByteArray>& elements)
+{
+    QByteArray out;
+    for (const QByteArray& element : elements) {
+        appendBe32(out, element.isNull() ? 0xFFFFFFFFu : quint32(element.size()));
+        out.append(element);
+    }
+    return out;
+}
+
+}  // namespace
+
+bool RecordingWriter::start(const QString& fileName, const QVector<QByteArray>& header)
+{
+    if (file_.isOpen())
+        file_.close();
+    header_ = header;
+    pending_.clear();
+    pending_.reserve(kWriteThreshold + 4096);
+    written_ = 0;
+    writtenPackets_ = pendingPackets_ = 0;
+    failed_ = false;
+    error_.clear();
+    open_ = false;
+    file_.setFileName(fileName);
+    // Unbuffered: what writePending() hands over is in the file at once.
+    if (!file_.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Unbuffered)) {
+        error_ = file_.errorString();
+        return false;
+    }
+    open_ = true;
+    appendBe32(pending_, kUnfinishedCount);
+    pending_.append(encodeElements(header));
+    if (!writePending()) {
+        file_.close();
+        open_ = false;
+        return false;
+    }
+    return true;
+}
+
+void RecordingWriter::append(const char* data, int size)
+{
+    if (!open_ || failed_)
+        return;
+    appendBe32(pending_, quint32(size));
+    pending_.append(data, size);
+    ++pendingPackets_;
+    if (pending_.size() >= kWriteThreshold)
+        writePending();
+}
+
+bool RecordingWriter::writePending()
+{
+    if (failed_)
+        return false;
+    if (pending_.isEmpty())
+        return true;
+    // A write cut short is tried again for the rest, which then says why.
+    for (qint64 done = 0; done < pending_.size();) {
+        const qint64 n = file_.write(pending_.constData() + done, pending_.size() - done);
+        if (n <= 0)
+            return fail();
+        done += n;
+    }
+    written_ += pending_.size();
+    writtenPackets_ += pendingPackets_;
+    pendingPackets_ = 0;
+    pending_.resize(0);  // the reserved capacity stays
+    return true;
+}
+
+bool RecordingWriter::fail()
+{
+    failed_ = true;
+    error_ = file_.errorString();
+    pending_.resize(0);
+    pendingPackets_ = 0;
+    return false;
+}
+
+bool RecordingWriter::finish(const QVector<QByteArray>& header)
+{
+    if (!open_)
+        return false;
+    open_ = false;
+    writePending();
+    // A write that failed half-way leaves part of an element behind.
+    if (failed_)
+        file_.resize(written_);
+    QByteArray count;
+    appendBe32(count, quint32(header_.size()) + writtenPackets_);
+    bool ok = file_.seek(0) && file_.write(count) == 4;
+    if (ok && !failed_ && header != header_) {
+        const QByteArray before = encodeElements(header_), after = encodeElements(header);
+        if (after.size() == before.size()) {
+            ok = file_.seek(4) && file_.write(after) == after.size();
+        } else {
+            file_.close();
+            return replaceHeader(header);
+        }
+    }
+    if (!ok && !failed_) {
+        failed_ = true;
+        error_ = file_.errorString();
+    }
+    file_.close();
+    return !failed_;
+}
+
+// The header's length changed (a Tern_P firmware version read during the
+// recording): the packets move, so the file is written anew beside the
+// complete old one and then takes its place.
+bool RecordingWriter::replaceHeader(const QVector<QByteArray>& header)
+{
+    const QString fileName = file_.fileName();
+    const qint64 packetsAt = 4 + encodeElements(header_).size();
+    QFile in(fileName);
+    QSaveFile out(fileName);
+    QByteArray head;
+    appendBe32(head, quint32(header.size()) + writtenPackets_);
+    head.append(encodeElements(header));
+    bool ok = in.open(QIODevice::ReadOnly) && in.seek(packetsAt) && out.open(QIODevice::WriteOnly)
+              && out.write(head) == head.size();
+    while (ok && !in.atEnd()) {
+        const QByteArray chunk = in.read(1 << 20);
+        ok = !chunk.isEmpty() && out.write(chunk) == chunk.size();
+    }
+    ok = ok && out.commit();
+    if (!ok) {
+        failed_ = true;
+        error_ = out.error() != QFileDevice::NoError ? out.errorString() : in.errorString();
+        return false;
+    }
+    return true;
+}
+
+}  // namespace lidar

@@ -1,0 +1,61 @@
+#pragma once
+// Writes a recording while it is being made: the count and the header
+// elements (the model name, for Tern_P its firmware version) when it
+// starts, each packet as it is cut, and at the end the element count in
+// place at the front. The bytes are those of a list written in one go.
+//
+// Until the end the count reads 0xFFFFFFFF, so a recording cut short by a
+// crash or a power loss is seen as unfinished; repairRecording() restores
+// its complete elements. Packets are collected in memory and handed to the
+// file once per arrival of bytes (or every 64 KiB), one write each.
+
+#include <QByteArray>
+#include <QString>
+#include <QVector>
+
+class QFile;
+
+namespace lidar {
+
+class RecordingWriter {
+public:
+    explicit RecordingWriter(QFile& file) : file_(file) {}
+
+    // Truncates `fileName` and writes the unfinished count and `header`.
+    bool start(const QString& fileName, const QVector<QByteArray>& header);
+    // Adds one packet; it reaches the file with the next writePending().
+    void append(const char* data, int size);
+    // Hands the collected packets to the file. False once a write failed:
+    // from then on nothing more is written.
+    bool writePending();
+    // Writes what is left and the count, with `header` in place of the one
+    // written at the start if it changed, and closes the file. After a
+    // failed write the file is cut back to the packets written whole before
+    // it, which are kept. False when the recording is not complete.
+    bool finish(const QVector<QByteArray>& header);
+
+    bool isOpen() const { return open_; }
+    bool failed() const { return failed_; }
+    QString errorString() const { return error_; }
+    // Packets that are in the file (or will be with the next write).
+    quint32 packetCount() const { return failed_ ? writtenPackets_ : writtenPackets_ + pendingPackets_; }
+
+    // The count a recording carries until it is finished.
+    static constexpr quint32 kUnfinishedCount = 0xFFFFFFFFu;
+
+private:
+    bool fail();
+    bool replaceHeader(const QVector<QByteArray>& header);
+
+    QFile& file_;
+    QVector<QByteArray> header_;
+    QByteArray pending_;
+    qint64 written_ = 0;  // bytes in the file, ending after a whole element
+    quint32 writtenPackets_ = 0;
+    quint32 pendingPackets_ = 0;
+    bool open_ = false;
+    bool failed_ = false;
+    QString error_;
+};
+
+}  // namespace lidar
