@@ -13,6 +13,7 @@
 #include "LidarAnalysis.h"
 #include "NetworkToolLauncher.h"
 #include "LinkStatusReadout.h"
+#include "RecordingReadout.h"
 #include "MessageBoxFit.h"
 #include "OffinePlayWidget.h"
 #include "OfflineDrop.h"
@@ -238,6 +239,8 @@ void ScanDeck::initStatusBar()
     statusBar()->addPermanentWidget(m_progressBar);
     m_linkStatus = new LinkStatusReadout(this);
     statusBar()->insertPermanentWidget(0, m_linkStatus);
+    m_recordingReadout = new RecordingReadout(this);
+    statusBar()->insertPermanentWidget(0, m_recordingReadout);
 
     // Live frames reach the display through the queue; the label shows only
     // once it has had to skip some.
