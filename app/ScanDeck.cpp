@@ -13,6 +13,7 @@
 #include "LidarAnalysis.h"
 #include "NetworkToolLauncher.h"
 #include "LinkStatusReadout.h"
+#include "RecordingReadout.h"
 #include "MessageBoxFit.h"
 #include "OffinePlayWidget.h"
 #include "OfflineDrop.h"
@@ -234,6 +235,8 @@ void ScanDeck::initStatusBar()
 {
     // The readouts wrap into a second row rather than being cut on a narrow window.
     auto* readouts = new WrappingStatusBar(statusBar());
+    m_recordingReadout = new RecordingReadout(this);
+    readouts->addReadout(m_recordingReadout);
     m_linkStatus = new LinkStatusReadout(this);
     readouts->addReadout(m_linkStatus);
     m_progressBar = new QProgressBar(this);
@@ -253,7 +256,7 @@ void ScanDeck::initStatusBar()
     m_displayBehindLabel = new QLabel(this);
     m_displayBehindLabel->setObjectName(QStringLiteral("label_display_behind"));
     m_displayBehindLabel->hide();
-    statusBar()->addPermanentWidget(m_displayBehindLabel);
+    readouts->addReadout(m_displayBehindLabel);
     connect(m_liveFrames, &LiveFrameQueue::skippedFramesChanged, this, [this](quint64 skipped) {
         m_displayBehindLabel->setText(tr("display behind: %1 frames skipped").arg(skipped));
         m_displayBehindLabel->setVisible(skipped > 0);

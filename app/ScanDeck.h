@@ -34,6 +34,7 @@ class ExportDataDialog;
 class ColourLegendOverlay;
 class KeyboardShortcuts;
 class LinkStatusReadout;
+class RecordingReadout;
 class LidarAnalysis;
 class LiveFrameQueue;
 class NetworkToolLauncher;
@@ -218,6 +219,7 @@ private:
     void enterConnectedState();
     // The link status follows the connected session's traffic.
     void watchLink();
+    void watchRecording(const QString& fileName);
     QString askSavePath(const QString& proposed);
     // The save dialogs of the exports: the test hook when there is one.
     QString askSavePath(QWidget* parent, const QString& caption, const QString& proposed, const QString& filter);
@@ -285,6 +287,7 @@ private:
     DeviceSettingsPanel* m_devicePanel = nullptr;
     NetworkToolLauncher* m_networkTool = nullptr;
     LinkStatusReadout* m_linkStatus = nullptr;
+    RecordingReadout* m_recordingReadout = nullptr;
     ColourLegendOverlay* m_legend = nullptr;
     KeyboardShortcuts* m_shortcuts = nullptr;
     QString m_playbackModel;

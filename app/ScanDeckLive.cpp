@@ -11,6 +11,7 @@
 #include "OffinePlayWidget.h"
 #include "RangingMarks.h"
 #include "RecentFolder.h"
+#include "RecordingReadout.h"
 #include "SelectConnectType.h"
 #include "UserMessages.h"
 #include "ui_ScanDeck.h"
@@ -65,6 +66,20 @@ void ScanDeck::watchLink()
             return {session->datagramsReceived.load(), session->bytesReceived.load(), session->framesCompleted.load()};
         },
         network);
+}
+
+// The recording writer's counts are atomics: read here while the session's thread writes.
+void ScanDeck::watchRecording(const QString& fileName)
+{
+    const std::weak_ptr<LidarAnalysis> weak = m_live.session();
+    m_recordingReadout->watch(
+        [weak]() -> RecordingReadout::Progress {
+            const auto session = weak.lock();
+            if (!session || !session->saving.load())
+                return {};
+            return {true, session->recordingCounts()};
+        },
+        fileName);
 }
 
 void ScanDeck::applyLiveState(bool connected)
@@ -152,6 +167,7 @@ void ScanDeck::recordData(bool record)
         // Only a recording that really started has a file to write.
         if (session && session->saving.load())
             session->EndSaveData();
+        m_recordingReadout->unwatch();
         ui->btn_save_data->setText(tr("Recorded data"));
         return;
     }
@@ -176,6 +192,7 @@ void ScanDeck::recordData(bool record)
         return;
     }
     ui->btn_save_data->setText(tr("Recording data"));
+    watchRecording(path);
 }
 
 QString ScanDeck::askSavePath(const QString& proposed)

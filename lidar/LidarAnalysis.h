@@ -52,6 +52,8 @@ public:
     // SendMessageSignal; saveError tells the reason until the next start.
     bool StartSaveData(const QString& fileName);
     void EndSaveData();
+    // Packets and bytes the running recording has in its file so far; any thread.
+    lidar::RecordingCounts recordingCounts() const { return recorder_.counts(); }
     LidarParam GetLidarParam();
     void SetConnected(bool on);
     int GetConnectionType() const;

@@ -39,6 +39,7 @@ bool RecordingWriter::start(const QString& fileName, const QVector<QByteArray>& 
     pending_.reserve(kWriteThreshold + 4096);
     written_ = 0;
     writtenPackets_ = pendingPackets_ = 0;
+    publishCounts();
     failed_ = false;
     error_.clear();
     open_ = false;
@@ -87,7 +88,14 @@ bool RecordingWriter::writePending()
     writtenPackets_ += pendingPackets_;
     pendingPackets_ = 0;
     pending_.resize(0);  // the reserved capacity stays
+    publishCounts();
     return true;
+}
+
+void RecordingWriter::publishCounts()
+{
+    countedPackets_.store(packetCount(), std::memory_order_relaxed);
+    countedBytes_.store(quint64(written_) + quint64(pending_.size()), std::memory_order_relaxed);
 }
 
 bool RecordingWriter::fail()
@@ -96,6 +104,7 @@ bool RecordingWriter::fail()
     error_ = file_.errorString();
     pending_.resize(0);
     pendingPackets_ = 0;
+    publishCounts();
     return false;
 }
 

@@ -12,10 +12,18 @@
 #include <QByteArray>
 #include <QString>
 #include <QVector>
+#include <atomic>
 
 class QFile;
 
 namespace lidar {
+
+// How far a running recording has got: packets and bytes in the file (the
+// packets of an arrival reach it once the arrival is cut).
+struct RecordingCounts {
+    quint64 packets = 0;
+    quint64 bytes = 0;  // the file's size, count and header included
+};
 
 class RecordingWriter {
 public:
@@ -39,6 +47,12 @@ public:
     QString errorString() const { return error_; }
     // Packets that are in the file (or will be with the next write).
     quint32 packetCount() const { return failed_ ? writtenPackets_ : writtenPackets_ + pendingPackets_; }
+    // What is in the file, safe to read from any thread while the writer's
+    // own thread records.
+    RecordingCounts counts() const
+    {
+        return {countedPackets_.load(std::memory_order_relaxed), countedBytes_.load(std::memory_order_relaxed)};
+    }
 
     // The count a recording carries until it is finished.
     static constexpr quint32 kUnfinishedCount = 0xFFFFFFFFu;
@@ -46,6 +60,7 @@ public:
 private:
     bool fail();
     bool replaceHeader(const QVector<QByteArray>& header);
+    void publishCounts();
 
     QFile& file_;
     QVector<QByteArray> header_;
@@ -56,6 +71,9 @@ private:
     bool open_ = false;
     bool failed_ = false;
     QString error_;
+    // Copies of the counts above for readers on other threads.
+    std::atomic<quint64> countedPackets_{0};
+    std::atomic<quint64> countedBytes_{0};
 };
 
 }  // namespace lidar

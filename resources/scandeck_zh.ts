@@ -783,6 +783,19 @@
     </message>
 </context>
 <context>
+    <name>RecordingReadout</name>
+    <message>
+        <location filename="../app/RecordingReadout.cpp" line="+99"/>
+        <source>● %1 · %2 pkt · %3</source>
+        <translation>● %1 · %2 包 · %3</translation>
+    </message>
+    <message>
+        <location line="+6"/>
+        <source>Recording into %1 for %2: %3 packets, %4 bytes written</source>
+        <translation>正在录制到 %1，已录制 %2：已写入 %3 个数据包，%4 字节</translation>
+    </message>
+</context>
+<context>
     <name>RenderRateTip</name>
     <message>
         <location filename="../app/RenderRateTip.cpp" line="+22"/>
@@ -793,7 +806,7 @@
 <context>
     <name>ScanDeck</name>
     <message>
-        <location filename="../app/ScanDeck.cpp" line="+395"/>
+        <location filename="../app/ScanDeck.cpp" line="+398"/>
         <source>restart</source>
         <translation>重启</translation>
     </message>
@@ -805,7 +818,7 @@
     <message>
         <location filename="../app/main.cpp" line="+37"/>
         <location filename="../app/ScanDeck.cpp" line="+23"/>
-        <location filename="../app/ScanDeckLive.cpp" line="+175"/>
+        <location filename="../app/ScanDeckLive.cpp" line="+191"/>
         <source>warning</source>
         <translation>警告</translation>
     </message>
@@ -850,7 +863,7 @@
     </message>
     <message>
         <location line="+44"/>
-        <location filename="../app/ScanDeckLive.cpp" line="-82"/>
+        <location filename="../app/ScanDeckLive.cpp" line="-83"/>
         <location line="+13"/>
         <location line="+6"/>
         <source>information</source>
@@ -874,12 +887,12 @@
     </message>
     <message>
         <location line="+24"/>
-        <location line="+22"/>
+        <location line="+23"/>
         <source>Please connect the radar first</source>
         <translation>请先连接雷达</translation>
     </message>
     <message>
-        <location line="-18"/>
+        <location line="-19"/>
         <source>pause</source>
         <translation>暂停</translation>
     </message>
@@ -889,7 +902,7 @@
         <translation>播放</translation>
     </message>
     <message>
-        <location line="+14"/>
+        <location line="+15"/>
         <source>Recorded data</source>
         <translation>已录制数据</translation>
     </message>
@@ -904,7 +917,7 @@
         <translation>正在录制数据</translation>
     </message>
     <message>
-        <location line="+5"/>
+        <location line="+6"/>
         <source>settting a save path</source>
         <translation>设置保存路径</translation>
     </message>

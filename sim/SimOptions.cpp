@@ -29,6 +29,8 @@ QString validateOptions(const SimOptions& o)
         return QStringLiteral("the data port must not be 0");
     if (!(o.rpm >= kMinRpm && o.rpm <= kMaxRpm))
         return QStringLiteral("the rotation rate must lie between %1 and %2 rpm").arg(kMinRpm).arg(kMaxRpm);
+    if (!(o.speedUp >= 1.0 && o.speedUp <= kMaxSpeedUp))
+        return QStringLiteral("the speed-up must lie between 1 and %1").arg(kMaxSpeedUp);
     const double probabilities[] = {o.faults.drop, o.faults.corrupt, o.faults.junk};
     for (double p : probabilities)
         if (!(p >= 0.0 && p <= 1.0))

@@ -27,6 +27,9 @@ struct SimOptions {
     quint16 commandPort = 2369;  // 0: any free port
     double rpm = 600.0;          // 10 revolutions per second
     bool fast = false;           // as fast as possible instead of in real time
+    // Packets go out this many times faster than the rotation rate says,
+    // beyond any real motor: a host under a flood of frames (tests).
+    double speedUp = 1.0;
     uint64_t seed = 1;
     FilterMode filter = FilterMode::Normal;
     FirmwareInfo firmware;
@@ -41,6 +44,8 @@ struct SimOptions {
 
 // The longest GPS gap the simulator injects: a minute.
 constexpr double kMaxGpsGapMs = 60000.0;
+// The largest speed-up over real time.
+constexpr double kMaxSpeedUp = 100.0;
 
 // 127.0.0.0/8, ::1 or "localhost": the only places the simulator sends to.
 bool isLoopbackHost(const QString& host);

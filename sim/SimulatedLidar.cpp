@@ -190,7 +190,7 @@ void SimulatedLidar::tick()
     }
     for (int burst = 0; nextDueUs_ <= nowUs && burst < kMaxBurst && running_; ++burst) {
         sendDataPacket();
-        nextDueUs_ += generator_.packetIntervalUs(state.rpm);
+        nextDueUs_ += generator_.packetIntervalUs(state.rpm) / options_.speedUp;
     }
 }
 

@@ -2,7 +2,7 @@
 //   scandeck-screenshot -o docs/x.png [--size 1600x900] [--demo [Model]]
 //                       [--silence] [--colour 0|1|2] [--language Chinese]
 //                       [--tab lidar|offline|setting] [--play recording.txt]
-//                       [--wait ms]
+//                       [--record recording.txt] [--wait ms]
 // --demo connects to the simulated lidar inside the program (127.0.0.1
 // only); --silence then stops the simulator, so that the link goes quiet.
 // Run it from the build directory, where the settings and style sheet are.
@@ -12,7 +12,9 @@
 #include "LIdarFactory.h"
 #include "OffinePlayWidget.h"
 #include "ScanDeck.h"
+#include "UserMessages.h"
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QComboBox>
 #include <QCommandLineParser>
@@ -56,6 +58,7 @@ int main(int argc, char* argv[])
         {"language", "Chinese or English.", "language"},
         {"tab", "Page of the panel: lidar, offline or setting.", "page", "lidar"},
         {"play", "Load this recording in the player.", "file"},
+        {"record", "Record the demo's stream into this file while the window runs.", "file"},
         {"wait", "Milliseconds to let the window run first.", "ms", "1500"},
     });
     parser.process(app);
@@ -105,6 +108,11 @@ int main(int argc, char* argv[])
             player->loadFrames(parsed.first, parsed.second, parser.value("play"));
             player->lastFrame();
         }
+        if (parser.isSet("record")) {
+            const QString file = parser.value("record");
+            window.setSaveFileHook([file](QWidget*, const QString&, const QString&, const QString&) { return file; });
+            window.findChild<QAbstractButton*>("btn_save_data")->click();
+        }
         processEventsFor(parser.value("wait").toInt());
         if (parser.isSet("silence")) {
             demo.stop();
@@ -112,6 +120,12 @@ int main(int argc, char* argv[])
         }
         if (!window.grab().save(parser.value("output")))
             status = fail("cannot write " + parser.value("output"));
+        if (parser.isSet("record")) {
+            // The recording is finished; its "File saved" box is not waited for.
+            usermessages::setHandler([](QWidget*, const UserMessage&) { return QMessageBox::Ok; });
+            window.findChild<QAbstractButton*>("btn_save_data")->click();
+            processEventsFor(100);
+        }
         demo.stop();
         LIdarFactory::GetInstance()->Shutdown();
     }
