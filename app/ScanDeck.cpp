@@ -27,6 +27,7 @@
 #include "RenderRateTip.h"
 #include "TableViewToolBar.h"
 #include "UserMessages.h"
+#include "WrappingStatusBar.h"
 #include "ui_ScanDeck.h"
 
 #include <QApplication>
@@ -38,6 +39,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QLabel>
+#include <QLibraryInfo>
 #include <QMouseEvent>
 #include <QProcess>
 #include <QProgressBar>
@@ -65,6 +67,8 @@ namespace {
 
 const QString kStyleSheetFile = QStringLiteral("./qss/MacOS.qss");
 const QString kTranslationFile = QStringLiteral("./scandeck_zh.qm");
+// Qt's own texts (OK, Cancel, Yes, No, the file dialogs) from Qt's translations.
+const QString kQtTranslation = QStringLiteral("qtbase_zh_CN");
 const QString kChinese = QStringLiteral("中文");
 const QString kEnglish = QStringLiteral("English");
 
@@ -229,6 +233,12 @@ void ScanDeck::initViewer()
 
 void ScanDeck::initStatusBar()
 {
+    // The readouts wrap into a second row rather than being cut on a narrow window.
+    auto* readouts = new WrappingStatusBar(statusBar());
+    m_recordingReadout = new RecordingReadout(this);
+    readouts->addReadout(m_recordingReadout);
+    m_linkStatus = new LinkStatusReadout(this);
+    readouts->addReadout(m_linkStatus);
     m_progressBar = new QProgressBar(this);
     m_progressBar->setRange(1, 100);
     // The value is the percentage: over the range 1..100 Qt's own text would be one off.
@@ -236,11 +246,7 @@ void ScanDeck::initStatusBar()
     m_progressBar->setFixedHeight(20);
     m_progressBar->setMaximumWidth(240);
     m_progressBar->hide();
-    statusBar()->addPermanentWidget(m_progressBar);
-    m_linkStatus = new LinkStatusReadout(this);
-    statusBar()->insertPermanentWidget(0, m_linkStatus);
-    m_recordingReadout = new RecordingReadout(this);
-    statusBar()->insertPermanentWidget(0, m_recordingReadout);
+    readouts->addReadout(m_progressBar);
 
     // Live frames reach the display through the queue; the label shows only
     // once it has had to skip some.
@@ -250,7 +256,7 @@ void ScanDeck::initStatusBar()
     m_displayBehindLabel = new QLabel(this);
     m_displayBehindLabel->setObjectName(QStringLiteral("label_display_behind"));
     m_displayBehindLabel->hide();
-    statusBar()->addPermanentWidget(m_displayBehindLabel);
+    readouts->addReadout(m_displayBehindLabel);
     connect(m_liveFrames, &LiveFrameQueue::skippedFramesChanged, this, [this](quint64 skipped) {
         m_displayBehindLabel->setText(tr("display behind: %1 frames skipped").arg(skipped));
         m_displayBehindLabel->setVisible(skipped > 0);
@@ -260,8 +266,8 @@ void ScanDeck::initStatusBar()
     link->setObjectName(QStringLiteral("label_link"));
     link->setTextFormat(Qt::RichText);
     link->setOpenExternalLinks(true);
-    link->setText(QStringLiteral("<a href=\"https://pointclouds.org\">Point Cloud Library</a>"));
-    statusBar()->addPermanentWidget(link);
+    readouts->addReadout(link);
+    retranslateOwnTexts();
 
     auto* views = new QButtonGroup(this);
     views->setExclusive(true);
@@ -275,7 +281,7 @@ void ScanDeck::initStatusBar()
         label->setObjectName(QLatin1String(name));
         label->setFont(font);
         label->setFixedWidth(width);
-        statusBar()->addPermanentWidget(label);
+        readouts->addReadout(label);
         return label;
     };
     m_motorSpeedLabel = makeLabel("label_motor_speed", 220);
@@ -326,19 +332,36 @@ void ScanDeck::switchLanguage(const QString& text)
     if (!m_translator)
         m_translator = new QTranslator(this);
     m_translator->load(kTranslationFile);
+    if (!m_qtTranslator) {
+        m_qtTranslator = new QTranslator(this);
+        m_qtTranslator->load(kQtTranslation, QLibraryInfo::location(QLibraryInfo::TranslationsPath));
+    }
     if (text == kChinese) {
         storeLanguageSetting(QStringLiteral("Chinese"));
-        QApplication::removeTranslator(m_translator);  // installed once only
-        QApplication::installTranslator(m_translator);
+        for (QTranslator* translator : {m_qtTranslator, m_translator}) {
+            QApplication::removeTranslator(translator);  // installed once only
+            QApplication::installTranslator(translator);
+        }
     } else if (text == kEnglish) {
         storeLanguageSetting(QStringLiteral("English"));
         QApplication::removeTranslator(m_translator);
+        QApplication::removeTranslator(m_qtTranslator);
     }
     ui->retranslateUi(this);
+    retranslateOwnTexts();
     resetReadouts();
     setWindowTitle(title);  // keeps a model name in the title
     if (m_live.isConnected())
         configureDevicePanel(title);
+}
+
+// The texts the window sets up itself rather than through its form.
+void ScanDeck::retranslateOwnTexts()
+{
+    if (m_tableModel)  // the start-up language switch comes first
+        m_tableModel->setHorizontalHeaderLabels(pointtable::headers());
+    if (auto* link = findChild<QLabel*>(QStringLiteral("label_link")))
+        link->setText(QStringLiteral("<a href=\"https://pointclouds.org\">%1</a>").arg(tr("Point Cloud Library")));
 }
 
 void ScanDeck::toggleTabPanel()
@@ -361,6 +384,12 @@ void ScanDeck::slideInTab(int index)
     animation->setEasingCurve(QEasingCurve::OutBack);
     animation->setStartValue(QRect(end.x(), -70, end.width(), end.height()));
     animation->setEndValue(end);
+    // The page may have changed its height meanwhile (its controls wrap on
+    // a narrow window): the stack places it anew once it has landed.
+    connect(animation, &QPropertyAnimation::finished, page, [page] {
+        if (QWidget* stack = page->parentWidget(); stack && stack->layout())
+            stack->layout()->invalidate();
+    });
     animation->start(QAbstractAnimation::DeleteWhenStopped);
 }
 

@@ -207,6 +207,7 @@ private:
     void initShortcuts();
     void applyStyleSheet();
     void applyStartLanguage();
+    void retranslateOwnTexts();
     void resetReadouts();
     void wireSignals();
     void wireOfflinePlayer();
@@ -306,6 +307,7 @@ private:
     ExportDialogHook m_exportDialogHook;
     ViewExportTools* m_viewExport = nullptr;
     QTranslator* m_translator = nullptr;
+    QTranslator* m_qtTranslator = nullptr;  // Qt's own texts
     int m_tableRows = 30;
     int m_precision = 2;
     uint8_t m_rangingActive = 0;

@@ -36,6 +36,11 @@ void printOut(const QString& line)
     std::fflush(stdout);
 }
 
+QString counted(qint64 count, const QString& noun)
+{
+    return QStringLiteral("%1 %2%3").arg(count).arg(noun, count == 1 ? QString() : QStringLiteral("s"));
+}
+
 int parseCommandLine(QCommandLineParser& parser, const QString& command, const QStringList& arguments,
                      const QString& helpText)
 {

@@ -23,6 +23,8 @@ int fileError(const QString& fileName, const QString& reason);
 // "scandeck-cli <command>: <message> (see scandeck-cli <command> --help)"; returns UsageError.
 int usageError(const QString& command, const QString& message);
 void printOut(const QString& line);  // a line on stdout
+// "1 frame", "3 frames": the count and the noun, plural unless the count is 1.
+QString counted(qint64 count, const QString& noun);
 
 // Parses the command's arguments; handles --help. Returns -1 when the
 // command should go on, otherwise the exit code to return at once.

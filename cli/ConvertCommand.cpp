@@ -41,8 +41,8 @@ const char* const kHelp =
     "  --port <n>             a capture's data port (default 2368)\n"
     "  --firmware <n>         a capture's Tern_P firmware version number (e.g.\n"
     "                         215) until a parameters reply in it gives one\n"
-    "  --start-angle <deg>    write only points with azimuth >= A (default 0)\n"
-    "  --end-angle <deg>      write only points with azimuth <= B (default 360)\n"
+    "  --start-angle <deg>    write only points with azimuth >= A (0..360, default 0)\n"
+    "  --end-angle <deg>      write only points with azimuth <= B (A..360, default 360)\n"
     "  -h, --help             show this help\n"
     "\n"
     "The input is read once, a piece at a time, and each frame is written as it\n"
@@ -131,6 +131,16 @@ int runConvert(const QStringList& arguments)
         return usageError(command, QStringLiteral("start angle '%1' is not a number").arg(parser.value(startAngle)));
     if (!toNumber(parser.value(endAngle), end))
         return usageError(command, QStringLiteral("end angle '%1' is not a number").arg(parser.value(endAngle)));
+    if (start < 0.0 || start > 360.0)
+        return usageError(command, QStringLiteral("start angle %1 is outside 0..360 degrees").arg(start));
+    if (end < 0.0 || end > 360.0)
+        return usageError(command, QStringLiteral("end angle %1 is outside 0..360 degrees").arg(end));
+    // Such a range would hold no point at all: refused rather than written empty.
+    if (start > end)
+        return usageError(command, QStringLiteral("start angle %1 is above end angle %2, which leaves no point "
+                                                  "(a range across 0 takes two conversions)")
+                                       .arg(start)
+                                       .arg(end));
     SourceOptions sourceOptions;
     sourceOptions.model = parser.value(model);
     if (!toPort(parser.value(port), sourceOptions.port))
@@ -189,15 +199,10 @@ int runConvert(const QStringList& arguments)
     }
     if (!writer->end(error))
         return fileError(target, QStringLiteral("cannot write: %1").arg(error));
-    if (start > end)
-        printError(
-            QStringLiteral("warning: start angle %1 is above end angle %2, no point was written").arg(start).arg(end));
     if (target != QLatin1String("-"))
-        printOut(QStringLiteral("%1: %2 frames, %3 points of model %4 written to %5")
-                     .arg(input)
-                     .arg(frames)
-                     .arg(writer->pointsWritten())
-                     .arg(source->model(), target));
+        printOut(QStringLiteral("%1: %2, %3 of model %4 written to %5")
+                     .arg(input, counted(frames, QStringLiteral("frame")),
+                          counted(writer->pointsWritten(), QStringLiteral("point")), source->model(), target));
     return Success;
 }
 

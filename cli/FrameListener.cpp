@@ -32,7 +32,9 @@ void FrameListener::onFrame(lidar::LidarDataPoint_V4 frame)
     const QString speed = frame.motorSpeed < 0
                               ? QStringLiteral("motor speed unknown")
                               : QStringLiteral("motor speed %1 r/min").arg(frame.motorSpeed);
-    const QString line = QStringLiteral("frame %1: %2 points, %3").arg(frames_).arg(frame.pointCount()).arg(speed);
+    const QString line = QStringLiteral("frame %1: %2, %3")
+                             .arg(frames_)
+                             .arg(cli::counted(qint64(frame.pointCount()), QStringLiteral("point")), speed);
     if (csv_ && csv_->path() == QLatin1String("-"))
         cli::printError(line);  // standard output carries the CSV
     else

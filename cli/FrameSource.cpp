@@ -4,6 +4,7 @@
 #include "LIdarFactory.h"
 #include "RecordFile.h"
 #include "RecordingCheck.h"
+#include "RecordingHeader.h"
 #include "RecordingStream.h"
 #include "TernProtocol.h"
 
@@ -162,7 +163,9 @@ std::unique_ptr<FrameSource> openFrameSource(const QString& path, const SourceOp
     auto stream = std::make_unique<lidar::RecordingStream>(path);
     QString problem;
     if (!openRecording(*stream, problem)) {
-        error = QStringLiteral("%1: %2").arg(path, problem);
+        // The details stay: they show where the bytes stop making sense.
+        error = beginsLikeRecording(path) ? QStringLiteral("%1: %2").arg(path, problem)
+                                          : QStringLiteral("%1: not a ScanDeck recording: %2").arg(path, problem);
         return nullptr;
     }
     if (!options.model.isEmpty() && options.model != stream->model()) {

@@ -2,6 +2,7 @@
 
 #include "CliSupport.h"
 #include "FrameListener.h"
+#include "IniSettings.h"
 #include "LIdarFactory.h"
 #include "RunOnThread.h"
 #include "TerminationSignals.h"
@@ -28,7 +29,8 @@ const char* const kHelp =
     "  --lidar <ip>:<port>    the lidar's command address; without it nothing is\n"
     "                         ever sent over the network\n"
     "  --serial <port>        read from this serial port (e.g. /dev/ttyUSB0)\n"
-    "  --baud <n>             serial baud rate (default 460800)\n"
+    "  --baud <n>             serial baud rate (default: the model's \"default baud\n"
+    "                         rate\" in ini/connect_type.ini, else 460800)\n"
     "  --frames <n>           frames to receive before stopping (default 10)\n"
     "  --timeout <s>          give up when the frames have not arrived within s\n"
     "                         seconds (default 10)\n"
@@ -40,6 +42,17 @@ const char* const kHelp =
     "Exit status: 0 all frames arrived, 1 failure or timeout, 2 bad arguments,\n"
     "130 interrupted.\n";
 
+// When the settings file names no baud rate for the model.
+constexpr int kFallbackBaud = 460800;
+
+// The model's "default baud rate" from the settings file, as the viewer's
+// connection dialog preselects it.
+int defaultBaud(const QString& model)
+{
+    int baud = 0;
+    return toPositiveInt(IniSettings().value(model, QStringLiteral("default baud rate")), baud) ? baud : kFallbackBaud;
+}
+
 struct ListenOptions {
     QString model;
     bool network = true;
@@ -49,7 +62,7 @@ struct ListenOptions {
     QString lidarIp;
     quint16 lidarPort = 0;
     QString serialPort;
-    int baud = 460800;
+    int baud = kFallbackBaud;
     int frames = 10;
     double timeoutSeconds = 10.0;
     QString output;
@@ -71,7 +84,7 @@ int parseListenOptions(const QStringList& arguments, ListenOptions& o)
     const QCommandLineOption udp("udp", "Bind address.", "ip:port");
     const QCommandLineOption lidar("lidar", "Lidar address.", "ip:port");
     const QCommandLineOption serial("serial", "Serial port.", "port");
-    const QCommandLineOption baud("baud", "Baud rate.", "n", "460800");
+    const QCommandLineOption baud("baud", "Baud rate.", "n");
     const QCommandLineOption frames("frames", "Frames.", "n", "10");
     const QCommandLineOption timeout("timeout", "Timeout.", "s", "10");
     const QCommandLineOption output({"o", "output"}, "CSV file.", "file");
@@ -107,7 +120,8 @@ int parseListenOptions(const QStringList& arguments, ListenOptions& o)
         o.serialPort = parser.value(serial);
         if (o.serialPort.isEmpty())
             return usageError(command, "empty serial port name");
-        if (!toPositiveInt(parser.value(baud), o.baud))
+        o.baud = defaultBaud(o.model);
+        if (parser.isSet(baud) && !toPositiveInt(parser.value(baud), o.baud))
             return usageError(command, QStringLiteral("baud rate '%1' is not a positive number").arg(parser.value(baud)));
     }
     if (!toPositiveInt(parser.value(frames), o.frames))
@@ -158,6 +172,24 @@ bool closeSession(LidarAnalysis* session, bool recording, QString& recordError)
             }
         });
     return recordError.isEmpty();
+}
+
+// Why the frames did not all come: nothing at all, data in which the model's
+// packets were not found (another model, another baud rate), or too few.
+QString shortfall(const ListenOptions& o, int seen, quint64 bytes)
+{
+    if (seen > 0)
+        return QStringLiteral("only %1 of %2 of model %3 within %4 s")
+            .arg(seen)
+            .arg(counted(o.frames, QStringLiteral("frame")), o.model)
+            .arg(o.timeoutSeconds);
+    if (bytes == 0)
+        return QStringLiteral("no data within %1 s").arg(o.timeoutSeconds);
+    return QStringLiteral("%1 arrived within %2 s, but no frame of model %3 was found in it "
+                          "(is the lidar of another model%4?)")
+        .arg(counted(qint64(bytes), QStringLiteral("byte")))
+        .arg(o.timeoutSeconds)
+        .arg(o.model, o.network ? QString() : QStringLiteral(", or at another baud rate"));
 }
 
 }  // namespace
@@ -216,10 +248,10 @@ int runListen(const QStringList& arguments)
     if (!problem.isEmpty()) {
         exitCode = fileError(o.source(), problem);
     } else {
-        const QString line = QStringLiteral("listening on %1 for %2 frames of model %3")
-                                 .arg(o.source())
-                                 .arg(o.frames)
-                                 .arg(o.model);
+        QString line = QStringLiteral("listening on %1 for %2 of model %3")
+                           .arg(o.source(), counted(o.frames, QStringLiteral("frame")), o.model);
+        if (!o.network)
+            line += QStringLiteral(" at %1 baud").arg(o.baud);
         if (o.output == QLatin1String("-"))
             printError(line);
         else
@@ -250,11 +282,9 @@ int runListen(const QStringList& arguments)
 
     const int seen = listener.framesSeen();
     if (exitCode == Failure && problem.isEmpty() && seen < o.frames)
-        fileError(o.source(), seen == 0 ? QStringLiteral("no frame of model %1 within %2 s").arg(o.model).arg(o.timeoutSeconds)
-                                        : QStringLiteral("only %1 of %2 frames of model %3 within %4 s")
-                                              .arg(seen).arg(o.frames).arg(o.model).arg(o.timeoutSeconds));
+        fileError(o.source(), shortfall(o, seen, session->bytesReceived.load()));
     else if (exitCode == Interrupted)
-        printError(QStringLiteral("interrupted after %1 of %2 frames").arg(seen).arg(o.frames));
+        printError(QStringLiteral("interrupted after %1 of %2").arg(seen).arg(counted(o.frames, QStringLiteral("frame"))));
     return exitCode;
 }
 

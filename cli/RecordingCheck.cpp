@@ -29,7 +29,7 @@ bool openRecording(lidar::RecordingStream& stream, QString& problem)
             if (stream.fileSize() == 0)
                 problem = QStringLiteral("empty file");
             else if (stream.fileSize() < 4)
-                problem = QStringLiteral("not a recording (%1 bytes, too short for the element count)")
+                problem = QStringLiteral("%1 bytes, too short for the element count")
                               .arg(stream.fileSize());
             else
                 problem = damageText(stream);

@@ -1,12 +1,17 @@
 #include "PointTableRow.h"
 
+#include <QCoreApplication>
+
 namespace pointtable {
 
 QStringList headers()
 {
-    return {QStringLiteral("  ID  "),        QStringLiteral("    Points_XYZ    "),
-            QStringLiteral("   Azimuth  "),  QStringLiteral("  Distance(m)  "),
-            QStringLiteral("  Intensity  "), QStringLiteral("  Timestamp")};
+    return {QCoreApplication::translate("PointTable", "  ID  "),
+            QCoreApplication::translate("PointTable", "    Points_XYZ    "),
+            QCoreApplication::translate("PointTable", "   Azimuth  "),
+            QCoreApplication::translate("PointTable", "  Distance(m)  "),
+            QCoreApplication::translate("PointTable", "  Intensity  "),
+            QCoreApplication::translate("PointTable", "  Timestamp")};
 }
 
 QStringList rowTexts(int id, const lidar::LidarPoint& point, int precision)

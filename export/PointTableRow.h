@@ -12,7 +12,7 @@ namespace pointtable {
 
 constexpr int kColumnCount = 6;
 
-// The column headers, spaces as the table shows them.
+// The column headers in the current language, spaces as the table shows them.
 QStringList headers();
 
 QStringList rowTexts(int id, const lidar::LidarPoint& point, int precision);

@@ -32,10 +32,32 @@ void setText(QLabel* label, const QString& text)
 StatusReadouts::StatusReadouts(const Labels& labels, pcl::visualization::PCLVisualizer& viewer, QWidget* view)
     : m_labels(labels), m_viewer(viewer), m_view(view)
 {
+    for (QLabel* label : {m_labels.motorSpeed, m_labels.deltaX, m_labels.deltaY, m_labels.deltaDistance,
+                          m_labels.azimuth, m_labels.distance})
+        m_baseWidths.push_back(label->minimumWidth());
+}
+
+void StatusReadouts::fitWidths()
+{
+    // The longest texts each readout shows in practice: a fast motor, a
+    // selection 40 m across, a cursor far out. A label keeps its width unless
+    // its text would not fit in it, so the readouts never shift as values change.
+    const QPair<QLabel*, QString> longest[] = {
+        {m_labels.motorSpeed, ReadoutTexts::motorSpeed(1200)},  {m_labels.deltaX, ReadoutTexts::deltaX(-40.0)},
+        {m_labels.deltaY, ReadoutTexts::deltaY(-40.0)},         {m_labels.deltaDistance, ReadoutTexts::deltaDistance(40000.0)},
+        {m_labels.azimuth, ReadoutTexts::azimuth(-359.999)},    {m_labels.distance, ReadoutTexts::distance(100.001)}};
+    for (size_t i = 0; i < m_baseWidths.size(); ++i) {
+        QLabel* label = longest[i].first;
+        label->ensurePolished();  // the style sheet's padding and font count
+        // Measured as the label measures itself; reset() sets the real text next.
+        label->setText(longest[i].second);
+        label->setFixedWidth(std::max(m_baseWidths[i], label->sizeHint().width()));
+    }
 }
 
 void StatusReadouts::reset()
 {
+    fitWidths();
     setText(m_labels.motorSpeed, ReadoutTexts::motorSpeed(-1));
     clearSelection();
     clearCursor();

@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <map>
 #include <string>
+#include <vector>
 
 class QLabel;
 class QWidget;
@@ -37,7 +38,8 @@ public:
 
     StatusReadouts(const Labels& labels, pcl::visualization::PCLVisualizer& viewer, QWidget* view);
 
-    // Every label to its text for "no value" (also after a language switch).
+    // Every label to its text for "no value" (also after a language switch),
+    // and wide enough for its longest text in the current language.
     void reset();
 
     // Azimuth and distance of a world point under the cursor, or none.
@@ -54,6 +56,7 @@ public:
     void clearSelection();
 
 private:
+    void fitWidths();
     // Draws or replaces a text of the view; an empty text removes it.
     void showViewText(const QString& text, int x, const std::string& id);
 
@@ -61,4 +64,5 @@ private:
     pcl::visualization::PCLVisualizer& m_viewer;
     QWidget* m_view;
     std::map<std::string, QString> m_viewTexts;
+    std::vector<int> m_baseWidths;  // as the window made them, in label order
 };

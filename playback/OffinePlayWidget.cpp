@@ -2,6 +2,7 @@
 
 #include "CaptureFrames.h"
 #include "CaptureModelDialog.h"
+#include "FlowLayout.h"
 #include "IniSettings.h"
 #include "LIdarFactory.h"
 #include "RecentFolder.h"
@@ -30,6 +31,7 @@ lidar::LidarDataPoint_V4 emptyFrame()
 OffinePlayWidget::OffinePlayWidget(QWidget* parent) : QWidget(parent), ui(new Ui::OffinePlayWidget)
 {
     ui->setupUi(this);
+    arrangeControls();
     setMessageHook(nullptr);
     setOpenFileHook(nullptr);
     setCaptureModelHook(nullptr);
@@ -41,6 +43,22 @@ OffinePlayWidget::OffinePlayWidget(QWidget* parent) : QWidget(parent), ui(new Ui
 OffinePlayWidget::~OffinePlayWidget()
 {
     delete ui;
+}
+
+// Four groups that wrap into a second row on a narrow window instead of
+// squeezing the buttons; the position slider takes the room its row leaves.
+void OffinePlayWidget::arrangeControls()
+{
+    const QMargins margins = ui->horizontalLayout->contentsMargins();
+    delete ui->horizontalLayout;  // its widgets stay, to be placed anew
+    ui->horizontalLayout = nullptr;
+    auto* flow = new FlowLayout(this);
+    flow->setContentsMargins(margins);
+    flow->addWidget(FlowLayout::group(
+        {ui->btn_open_file, ui->btn_last, ui->btn_play, ui->btn_next, ui->btn_circulation, ui->btn_stop}, this));
+    flow->addWidget(FlowLayout::group({ui->label, ui->comboBox}, this));
+    flow->addWidget(FlowLayout::group({ui->horizontalSlider, ui->spinBox_progress, ui->label_maxNum}, this, true));
+    flow->addWidget(FlowLayout::group({ui->btn_table, ui->btn_export_csv}, this));
 }
 
 void OffinePlayWidget::setMessageHook(MessageHook hook)

@@ -99,6 +99,7 @@ protected:
     void changeEvent(QEvent* event) override;
 
 private:
+    void arrangeControls();
     void connectControls();
     // The one place that enables or disables the controls for a state.
     void setControlsLoaded(bool isLoaded);

@@ -562,7 +562,7 @@
         <translation>导出 CSV</translation>
     </message>
     <message>
-        <location filename="../playback/OffinePlayWidget.cpp" line="+92"/>
+        <location filename="../playback/OffinePlayWidget.cpp" line="+110"/>
         <location line="+4"/>
         <location line="+4"/>
         <location line="+59"/>
@@ -628,6 +628,39 @@
         <location filename="../playback/RecordingRefusal.cpp" line="+5"/>
         <source>The recording was cut short. &quot;scandeck-cli repair %1&quot; makes its complete packets readable again.</source>
         <translation>该录制文件不完整。运行 &quot;scandeck-cli repair %1&quot; 可恢复其中完整的数据包。</translation>
+    </message>
+</context>
+<context>
+    <name>PointTable</name>
+    <message>
+        <location filename="../export/PointTableRow.cpp" line="+9"/>
+        <source>  ID  </source>
+        <translation>  ID  </translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>    Points_XYZ    </source>
+        <translation>    坐标 XYZ    </translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>   Azimuth  </source>
+        <translation>   方位角  </translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>  Distance(m)  </source>
+        <translation>  距离(m)  </translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>  Intensity  </source>
+        <translation>  强度  </translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>  Timestamp</source>
+        <translation>  时间戳</translation>
     </message>
 </context>
 <context>
@@ -773,7 +806,7 @@
 <context>
     <name>ScanDeck</name>
     <message>
-        <location filename="../app/ScanDeck.cpp" line="+369"/>
+        <location filename="../app/ScanDeck.cpp" line="+398"/>
         <source>restart</source>
         <translation>重启</translation>
     </message>
@@ -790,12 +823,17 @@
         <translation>警告</translation>
     </message>
     <message>
-        <location filename="../app/ScanDeck.cpp" line="-137"/>
+        <location filename="../app/ScanDeck.cpp" line="-57"/>
+        <source>Point Cloud Library</source>
+        <translation>点云库 PCL</translation>
+    </message>
+    <message>
+        <location line="-103"/>
         <source>display behind: %1 frames skipped</source>
         <translation>显示滞后：已跳过 %1 帧</translation>
     </message>
     <message>
-        <location line="+147"/>
+        <location line="+170"/>
         <location filename="../app/ScanDeckExport.cpp" line="+110"/>
         <source>File saved</source>
         <translation>文件已保存</translation>

@@ -7,7 +7,7 @@ packages=(
   build-essential cmake pkg-config
   qtbase5-dev libqt5serialport5-dev qttools5-dev qttools5-dev-tools
   libvtk9-qt-dev libpcl-dev libpcap-dev
-  xvfb xauth fonts-wqy-microhei
+  xvfb xauth fonts-wqy-microhei qttranslations5-l10n
   clang libclang-rt-14-dev
 )
 

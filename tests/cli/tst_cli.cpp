@@ -35,9 +35,10 @@ QString cliPath()
     return QDir::current().absoluteFilePath("scandeck-cli");
 }
 
-Run runCli(const QStringList& arguments)
+Run runCli(const QStringList& arguments, const QString& workingDir = QString())
 {
     QProcess process;
+    process.setWorkingDirectory(workingDir);
     process.start(cliPath(), arguments);
     if (!process.waitForFinished(30000))
         process.kill();  // reported as a crash
@@ -110,6 +111,10 @@ private slots:
     void infoShowsGpsPacketTimes();
     void listen_data();
     void listen();
+    void listenBaudRate_data();
+    void listenBaudRate();
+    void listenSaysWhyNoFrameCame_data();
+    void listenSaysWhyNoFrameCame();
     void repair_data();
     void repair();
     void recordingOfAKilledListenIsRepaired();
@@ -242,26 +247,32 @@ void CliTest::csvLines()
 
 void CliTest::convert_data()
 {
+    QTest::addColumn<int>("turns");  // the last one is still open when the recording ends
     QTest::addColumn<QStringList>("range");
     QTest::addColumn<int>("points");  // per frame
+    QTest::addColumn<QByteArray>("summary");
     // Packets start every 15 degrees; the one at 180 begins with a point at
     // exactly 180, the one at 75 ends at 89.63.
-    QTest::newRow("whole turn by default") << QStringList{} << 24 * 41;
-    QTest::newRow("90 to 180 inclusive") << QStringList{"--start-angle", "90", "--end-angle", "180"} << 6 * 41 + 1;
-    QTest::newRow("start above end") << QStringList{"--start-angle", "200", "--end-angle", "100"} << 0;
+    QTest::newRow("whole turn by default") << 3 << QStringList{} << 24 * 41 << QByteArray("2 frames, 1968 points");
+    QTest::newRow("90 to 180 inclusive") << 3 << QStringList{"--start-angle", "90", "--end-angle", "180"}
+                                         << 6 * 41 + 1 << QByteArray("2 frames, 494 points");
+    QTest::newRow("one frame, one point") << 2 << QStringList{"--start-angle", "180", "--end-angle", "180"} << 1
+                                          << QByteArray("1 frame, 1 point");
 }
 
 void CliTest::convert()
 {
+    QFETCH(int, turns);
     QFETCH(QStringList, range);
     QFETCH(int, points);
-    // Three turns; the third is still open when the recording ends.
-    const QString file = write("three.txt", recording("Tern", testing::ternRevolutions(3)));
-    const QString csv = dir_.filePath("three.csv");
+    QFETCH(QByteArray, summary);
+    const QString file = write("turns.txt", recording("Tern", testing::ternRevolutions(turns)));
+    const QString csv = dir_.filePath("turns.csv");
     const Run run = runCli(QStringList{"convert", file, "-o", csv} + range);
     QCOMPARE(run.exitCode, 0);
+    QVERIFY2(run.out.contains(": " + summary + " of model Tern written to"), run.out.constData());
     const QList<QByteArray> lines = linesOf(csv);
-    QCOMPARE(lines.size(), 1 + 2 * points);
+    QCOMPARE(lines.size(), 1 + (turns - 1) * points);
     QCOMPARE(lines.first(), QByteArray(CsvWriter::kHeader).trimmed());
     for (const QByteArray& line : lines.mid(1)) {
         const float azimuth = line.split(',').at(5).toFloat();
@@ -361,51 +372,82 @@ void CliTest::badRecordingsFailWithOneLine_data()
 {
     QTest::addColumn<QByteArray>("content");
     QTest::addColumn<QString>("reason");
+    QTest::addColumn<bool>("foreign");  // no recording at all, rather than a damaged one
     const QByteArray good = recording("Tern", testing::ternRevolutions(2));
-    QTest::newRow("not a recording") << QByteArray("hello, this is not a recording\n") << "truncated or damaged";
+    QTest::newRow("text") << QByteArray("hello, this is not a recording\n")
+                          << "truncated or damaged: element 0 claims 1865162868 bytes" << true;
+    QTest::newRow("empty") << QByteArray() << "empty file" << true;
+    QTest::newRow("three bytes") << QByteArray("abc") << "3 bytes, too short" << true;
+    QTest::newRow("no elements") << QByteArray(4, '\0') << "no elements" << true;
+    QTest::newRow("first element too long for a name")
+        << QByteArray("\x00\x00\x00\x01\x00\x01\x00\x00", 8) + QByteArray(65536, 'T') << "unknown model" << true;
     QTest::newRow("huge count in 20 bytes")
         << QByteArray("\x7F\xFF\xFF\xF0\x00\x00\x00\x04Tern\x00\x00\x00\x04\xA5\x5A\x00\x00", 20)
-        << "truncated or damaged";
-    QTest::newRow("truncated") << good.left(good.size() / 2) << "truncated or damaged";
+        << "truncated or damaged" << false;
+    QTest::newRow("truncated") << good.left(good.size() / 2) << "truncated or damaged" << false;
     // Found only after thousands of packets were decoded and their frames written.
     const QByteArray longer = recording("Tern", testing::ternRevolutions(120));
-    QTest::newRow("truncated late") << longer.left(longer.size() - 1000) << "truncated or damaged";
+    QTest::newRow("truncated late") << longer.left(longer.size() - 1000) << "truncated or damaged" << false;
     QTest::newRow("unregistered model") << recording("Falcon", testing::ternRevolutions(2))
-                                        << "unknown model \"Falcon\"";
-    QTest::newRow("no complete frame") << recording("Tern", testing::ternRevolutions(1)) << "no complete frame";
+                                        << "unknown model \"Falcon\"" << true;
+    QTest::newRow("no complete frame") << recording("Tern", testing::ternRevolutions(1)) << "no complete frame"
+                                       << false;
 }
 
 void CliTest::badRecordingsFailWithOneLine()
 {
     QFETCH(QByteArray, content);
     QFETCH(QString, reason);
+    QFETCH(bool, foreign);
     const QString file = write("bad.txt", content);
     const QString csv = dir_.filePath("bad.csv");
-    const Run run = runCli({"convert", file, "-o", csv});
-    QCOMPARE(run.exitCode, 1);
-    const QStringList lines = QString::fromLocal8Bit(run.err).split('\n', Qt::SkipEmptyParts);
-    QCOMPARE(lines.size(), 1);
-    QVERIFY2(lines.first().contains(file) && lines.first().contains(reason), run.err.constData());
-    QVERIFY(!QFile::exists(csv));
+    QList<QStringList> commands{{"convert", file, "-o", csv}};
+    if (!reason.startsWith("no complete frame"))  // info reads such a file well: it holds no frame
+        commands << QStringList{"info", file};
+    for (const QStringList& command : commands) {
+        const Run run = runCli(command);
+        QCOMPARE(run.exitCode, 1);
+        const QStringList lines = QString::fromLocal8Bit(run.err).split('\n', Qt::SkipEmptyParts);
+        QCOMPARE(lines.size(), 1);
+        QVERIFY2(lines.first().contains(file) && lines.first().contains(reason), run.err.constData());
+        // The verdict first, the byte-level detail after it.
+        QCOMPARE(lines.first().startsWith("scandeck-cli: " + file + ": not a ScanDeck recording: "), foreign);
+        QVERIFY(!QFile::exists(csv));
+    }
 }
 
 void CliTest::usageErrors_data()
 {
     QTest::addColumn<QStringList>("arguments");
-    QTest::newRow("unknown command") << QStringList{"explode"};
-    QTest::newRow("convert without output") << QStringList{"convert", "x.txt"};
-    QTest::newRow("convert to an unknown format") << QStringList{"convert", "x.txt", "-o", "x", "--format", "las"};
-    QTest::newRow("PCD to standard output") << QStringList{"convert", "x.txt", "-o", "-", "--format", "pcd"};
+    QTest::addColumn<QByteArray>("says");
+    const QStringList convert{"convert", "x.txt", "-o", "x.csv"};
+    QTest::newRow("unknown command") << QStringList{"explode"} << QByteArray("unknown command");
+    QTest::newRow("convert without output") << QStringList{"convert", "x.txt"} << QByteArray("no output");
+    QTest::newRow("convert to an unknown format") << QStringList{"convert", "x.txt", "-o", "x", "--format", "las"}
+                                                  << QByteArray("unknown format");
+    QTest::newRow("PCD to standard output") << QStringList{"convert", "x.txt", "-o", "-", "--format", "pcd"}
+                                            << QByteArray("standard output");
+    QTest::newRow("start angle below 0") << convert + QStringList{"--start-angle", "-1"}
+                                         << QByteArray("start angle -1 is outside 0..360");
+    QTest::newRow("end angle above 360") << convert + QStringList{"--end-angle", "360.5"}
+                                         << QByteArray("end angle 360.5 is outside 0..360");
+    QTest::newRow("start above end") << convert + QStringList{"--start-angle", "200", "--end-angle", "100"}
+                                     << QByteArray("start angle 200 is above end angle 100");
     QTest::newRow("listen, both links") << QStringList{"listen",         "--model",  "Tern",     "--udp",
-                                                       "127.0.0.1:2368", "--serial", "/dev/null"};
+                                                       "127.0.0.1:2368", "--serial", "/dev/null"}
+                                        << QByteArray("exactly one of");
+    QTest::newRow("listen, baud rate 0") << QStringList{"listen", "--model", "Tern", "--serial", "/dev/null", "--baud", "0"}
+                                         << QByteArray("baud rate '0'");
 }
 
 void CliTest::usageErrors()
 {
     QFETCH(QStringList, arguments);
+    QFETCH(QByteArray, says);
     const Run run = runCli(arguments);
     QCOMPARE(run.exitCode, 2);
-    QVERIFY(!run.err.isEmpty());
+    QVERIFY2(run.err.contains(says) && run.err.count('\n') == 1, run.err.constData());
+    QVERIFY(!QFile::exists("x.csv"));
 }
 
 void CliTest::infoShowsGpsPacketTimes()
@@ -426,13 +468,15 @@ void CliTest::infoShowsGpsPacketTimes()
 void CliTest::listen_data()
 {
     QTest::addColumn<bool>("serial");
-    QTest::newRow("UDP on 127.0.0.1") << false;
-    QTest::newRow("pseudo-terminal") << true;
+    QTest::addColumn<int>("frames");
+    QTest::newRow("UDP on 127.0.0.1") << false << 3;
+    QTest::newRow("pseudo-terminal, one frame") << true << 1;
 }
 
 void CliTest::listen()
 {
     QFETCH(bool, serial);
+    QFETCH(int, frames);
     testing::PseudoTerminal terminal;
     if (serial && !terminal.isOpen())
         QSKIP("no pseudo-terminal here");
@@ -443,7 +487,8 @@ void CliTest::listen()
                                     : QStringList{"--udp", QString("127.0.0.1:%1").arg(port)};
     QProcess process;
     process.start(cliPath(), QStringList{"listen", "--model", "Tern"} + link +
-                                 QStringList{"--frames", "3", "-o", csv, "--record", record, "--timeout", "20"});
+                                 QStringList{"--frames", QString::number(frames), "-o", csv, "--record", record,
+                                             "--timeout", "20"});
     // Once it listens: a turn every 20 ms, one packet a datagram, until it stops.
     QVERIFY(testing::waitFor([&] { return process.canReadLine(); }, 10000));
     QTimer sender;
@@ -455,16 +500,84 @@ void CliTest::listen()
     QVERIFY(testing::waitFor([&] { return process.state() == QProcess::NotRunning; }, 20000));
     QCOMPARE(process.exitCode(), 0);
     const QList<QByteArray> out = process.readAllStandardOutput().split('\n');
-    QCOMPARE(out.at(0), "listening on " + link[1].toLatin1() + " for 3 frames of model Tern");
+    QCOMPARE(out.at(0), "listening on " + link[1].toLatin1()
+                            + (frames == 1 ? " for 1 frame of model Tern" : " for 3 frames of model Tern")
+                            + (serial ? " at 460800 baud" : ""));
     // The first turn starts at 0 degrees like every other: all its points.
     QCOMPARE(out.at(1), QByteArray("frame 1: 984 points, motor speed 599 r/min"));
-    QVERIFY(out.at(3).startsWith("frame 3: "));
+    QVERIFY(out.at(frames).startsWith("frame " + QByteArray::number(frames) + ": "));
     const QList<QByteArray> lines = linesOf(csv);
-    QCOMPARE(lines.size(), 1 + 3 * 984);
-    QVERIFY(lines.at(1).startsWith("1,0,") && lines.last().startsWith("3,0,"));
+    QCOMPARE(lines.size(), 1 + frames * 984);
+    QVERIFY(lines.at(1).startsWith("1,0,") && lines.last().startsWith(QByteArray::number(frames) + ",0,"));
     // The recording is a complete file; nothing is ever sent back without --lidar.
     QVERIFY(runCli({"info", record}).out.contains("model:             Tern\n"));
     QVERIFY(lidar.commands().isEmpty());
+}
+
+void CliTest::listenBaudRate_data()
+{
+    QTest::addColumn<QString>("settings");  // the working directory's ini/connect_type.ini
+    QTest::addColumn<QStringList>("baud");
+    QTest::addColumn<QByteArray>("used");
+    const QString tern = "[connect_type]\nmodel1=Tern\n[Tern]\ndefault baud rate=230400\n";
+    QTest::newRow("the model's default") << tern << QStringList{} << QByteArray("230400");
+    QTest::newRow("given on the command line") << tern << QStringList{"--baud", "9600"} << QByteArray("9600");
+    QTest::newRow("another model's section only")
+        << "[Wren_Kite]\nDefault Baud Rate=921600\n" << QStringList{} << QByteArray("460800");
+    QTest::newRow("no settings file") << QString() << QStringList{} << QByteArray("460800");
+}
+
+void CliTest::listenBaudRate()
+{
+    QFETCH(QString, settings);
+    QFETCH(QStringList, baud);
+    QFETCH(QByteArray, used);
+    testing::PseudoTerminal terminal;
+    if (!terminal.isOpen())
+        QSKIP("no pseudo-terminal here");
+    QTemporaryDir work;
+    if (!settings.isNull()) {
+        QDir(work.path()).mkpath("ini");
+        QFile ini(work.filePath("ini/connect_type.ini"));
+        QVERIFY(ini.open(QIODevice::WriteOnly) && ini.write(settings.toUtf8()) > 0);
+    }
+    const Run run = runCli(QStringList{"listen", "--model", "Tern", "--serial", terminal.slaveName(), "--frames", "1",
+                                       "--timeout", "0.2"} + baud,
+                           work.path());
+    QCOMPARE(run.exitCode, 1);
+    QCOMPARE(run.out, "listening on " + terminal.slaveName().toLatin1() + " for 1 frame of model Tern at " + used
+                          + " baud\n");
+}
+
+void CliTest::listenSaysWhyNoFrameCame_data()
+{
+    QTest::addColumn<QString>("model");
+    QTest::addColumn<int>("turnsSent");
+    QTest::addColumn<QByteArray>("says");
+    QTest::newRow("silence") << "Tern" << 0 << QByteArray("no data within 1 s");
+    QTest::newRow("another model's packets")
+        << "Wren_Kite" << 2 << QByteArray("bytes arrived within 1 s, but no frame of model Wren_Kite was found in it");
+    QTest::newRow("one turn of two") << "Tern" << 2 << QByteArray("only 1 of 2 frames of model Tern within 1 s");
+}
+
+void CliTest::listenSaysWhyNoFrameCame()
+{
+    QFETCH(QString, model);
+    QFETCH(int, turnsSent);
+    QFETCH(QByteArray, says);
+    testing::LoopbackLidar lidar;
+    const quint16 port = testing::freeUdpPort();
+    QProcess process;
+    process.start(cliPath(), {"listen", "--model", model, "--udp", QString("127.0.0.1:%1").arg(port), "--frames", "2",
+                              "--timeout", "1"});
+    QVERIFY(testing::waitFor([&] { return process.canReadLine(); }, 10000));
+    // Two turns make one frame: the second only closes the first.
+    for (const QByteArray& packet : testing::ternRevolutions(turnsSent))
+        lidar.send(packet, port);
+    QVERIFY(testing::waitFor([&] { return process.state() == QProcess::NotRunning; }, 10000));
+    QCOMPARE(process.exitCode(), 1);
+    const QByteArray err = process.readAllStandardError();
+    QVERIFY2(err.contains(says) && err.count('\n') == 1, err.constData());
 }
 
 void CliTest::repair_data()
