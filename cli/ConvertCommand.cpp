@@ -101,12 +101,10 @@ int runConvert(const QStringList& arguments)
     const QCommandLineOption formatOption("format", "csv, pcd or ply.", "format", "csv");
     const QCommandLineOption ascii("ascii", "PCD/PLY as text.");
     const QCommandLineOption merge("merge", "One cloud of all frames.");
-    const QCommandLineOption model("model", "Model of a capture.", "name");
-    const QCommandLineOption port("port", "Data port of a capture.", "port", "2368");
-    const QCommandLineOption firmware("firmware", "Tern_P firmware version number.", "number", "0");
     const QCommandLineOption startAngle("start-angle", "Lowest azimuth.", "degrees", "0");
     const QCommandLineOption endAngle("end-angle", "Highest azimuth.", "degrees", "360");
-    parser.addOptions({output, formatOption, ascii, merge, model, port, firmware, startAngle, endAngle});
+    parser.addOptions({output, formatOption, ascii, merge, startAngle, endAngle});
+    addSourceOptions(parser);
     parser.addPositionalArgument("input", "Recording or capture.");
     const QString help = QString::fromLatin1(kHelp).arg(modelList());
     const int early = parseCommandLine(parser, command, arguments, help);
@@ -141,21 +139,11 @@ int runConvert(const QStringList& arguments)
                                                   "(a range across 0 takes two conversions)")
                                        .arg(start)
                                        .arg(end));
-    SourceOptions sourceOptions;
-    sourceOptions.model = parser.value(model);
-    if (!toPort(parser.value(port), sourceOptions.port))
-        return usageError(command, QStringLiteral("port '%1' is not a port number").arg(parser.value(port)));
-    bool versionOk = false;
-    sourceOptions.versionNumber = parser.value(firmware).toUInt(&versionOk, 10);
-    if (!versionOk)
-        return usageError(command, QStringLiteral("firmware '%1' is not a version number").arg(parser.value(firmware)));
-
     const QString input = positional.first();
+    std::unique_ptr<FrameSource> source;
+    if (const int failed = openSourceFromArguments(parser, command, input, source))
+        return failed;
     QString error;
-    bool usage = false;
-    const std::unique_ptr<FrameSource> source = openFrameSource(input, sourceOptions, error, usage);
-    if (!source)
-        return usage ? usageError(command, error) : (printError(error), int(Failure));
 
     std::unique_ptr<FrameWriter> writer;
     if (csv) {

@@ -1,6 +1,7 @@
 #include "FrameSource.h"
 
 #include "CaptureFrames.h"
+#include "CliSupport.h"
 #include "LIdarFactory.h"
 #include "RecordFile.h"
 #include "RecordingCheck.h"
@@ -8,6 +9,7 @@
 #include "RecordingStream.h"
 #include "TernProtocol.h"
 
+#include <QCommandLineParser>
 #include <QDateTime>
 
 namespace cli {
@@ -173,6 +175,37 @@ std::unique_ptr<FrameSource> openFrameSource(const QString& path, const SourceOp
         return nullptr;
     }
     return std::make_unique<RecordingSource>(std::move(stream));
+}
+
+}  // namespace cli
+
+namespace cli {
+
+void addSourceOptions(QCommandLineParser& parser)
+{
+    parser.addOptions({{"model", "Model of a capture.", "name"},
+                       {"port", "Data port of a capture.", "port", "2368"},
+                       {"firmware", "Tern_P firmware version number.", "number", "0"}});
+}
+
+int openSourceFromArguments(const QCommandLineParser& parser, const QString& command, const QString& input,
+                            std::unique_ptr<FrameSource>& source)
+{
+    SourceOptions options;
+    options.model = parser.value("model");
+    const QString port = parser.value("port"), firmware = parser.value("firmware");
+    if (!toPort(port, options.port))
+        return usageError(command, QStringLiteral("port '%1' is not a port number").arg(port));
+    bool versionOk = false;
+    options.versionNumber = firmware.toUInt(&versionOk, 10);
+    if (!versionOk)
+        return usageError(command, QStringLiteral("firmware '%1' is not a version number").arg(firmware));
+    QString error;
+    bool usage = false;
+    source = openFrameSource(input, options, error, usage);
+    if (!source)
+        return usage ? usageError(command, error) : (printError(error), int(Failure));
+    return Success;
 }
 
 }  // namespace cli

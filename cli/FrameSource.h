@@ -41,3 +41,16 @@ std::unique_ptr<FrameSource> openFrameSource(const QString& path, const SourceOp
                                              bool& usage);
 
 }  // namespace cli
+
+class QCommandLineParser;
+
+namespace cli {
+
+// The capture options 'info' and 'convert' share: --model, --port, --firmware.
+void addSourceOptions(QCommandLineParser& parser);
+// Opens `input` with those options. On failure prints why and returns the
+// exit status; on success returns Success with `source` set.
+int openSourceFromArguments(const QCommandLineParser& parser, const QString& command, const QString& input,
+                            std::unique_ptr<FrameSource>& source);
+
+}  // namespace cli

@@ -33,10 +33,7 @@ int runInfo(const QStringList& arguments)
 {
     const QString command = QStringLiteral("info");
     QCommandLineParser parser;
-    const QCommandLineOption model("model", "Model of a capture.", "name");
-    const QCommandLineOption port("port", "Data port of a capture.", "port", "2368");
-    const QCommandLineOption firmware("firmware", "Tern_P firmware version number.", "number", "0");
-    parser.addOptions({model, port, firmware});
+    addSourceOptions(parser);
     parser.addPositionalArgument("input", "Recording or capture.");
     const int early = parseCommandLine(parser, command, arguments, QString::fromLatin1(kHelp).arg(modelList()));
     if (early >= 0)
@@ -44,21 +41,11 @@ int runInfo(const QStringList& arguments)
     const QStringList positional = parser.positionalArguments();
     if (positional.size() != 1)
         return usageError(command, positional.isEmpty() ? "no recording given" : "give exactly one recording");
-    SourceOptions options;
-    options.model = parser.value(model);
-    if (!toPort(parser.value(port), options.port))
-        return usageError(command, QStringLiteral("port '%1' is not a port number").arg(parser.value(port)));
-    bool versionOk = false;
-    options.versionNumber = parser.value(firmware).toUInt(&versionOk, 10);
-    if (!versionOk)
-        return usageError(command, QStringLiteral("firmware '%1' is not a version number").arg(parser.value(firmware)));
-
     const QString input = positional.first();
+    std::unique_ptr<FrameSource> source;
+    if (const int failed = openSourceFromArguments(parser, command, input, source))
+        return failed;
     QString error;
-    bool usage = false;
-    const std::unique_ptr<FrameSource> source = openFrameSource(input, options, error, usage);
-    if (!source)
-        return usage ? usageError(command, error) : (printError(error), int(Failure));
 
     qint64 frames = 0, points = 0;
     if (!source->run(
