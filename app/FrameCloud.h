@@ -4,17 +4,12 @@
 // colours them, and the first points drawn are reported as table rows.
 
 #include "LidarRecords.h"
+#include "PclForward.h"
 #include "PointColouring.h"
 
 #include <cstdint>
 #include <functional>
 #include <limits>
-
-namespace pcl {
-struct PointXYZRGB;
-template <typename PointT>
-class PointCloud;
-}  // namespace pcl
 
 namespace display {
 

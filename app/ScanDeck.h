@@ -7,12 +7,13 @@
 
 #include "AutoConnector.h"
 #include "CsvExport.h"
+#include "IboxSelection.h"
 #include "IConnectLiDAR.h"
 #include "IGridPolar.h"
 #include "ITableViewToolBar.h"
-#include "IboxSelection.h"
 #include "LidarRecords.h"
 #include "LiveConnection.h"
+#include "PclForward.h"
 
 #include <QFile>
 #include <QMainWindow>
@@ -55,15 +56,6 @@ class vtkGenericOpenGLRenderWindow;
 class vtkOrientationMarkerWidget;
 class vtkRenderer;
 class vtkWorldPointPicker;
-
-namespace pcl {
-struct PointXYZRGB;
-template <typename PointT>
-class PointCloud;
-namespace visualization {
-class PCLVisualizer;
-}
-}  // namespace pcl
 
 namespace Ui {
 class ScanDeckClass;

@@ -8,18 +8,11 @@
 // program: switching ranging off and on again does not forget a first
 // point, the next ranging click pairs with it.
 
+#include "PclForward.h"
+
 #include <QString>
 #include <memory>
 #include <optional>
-
-namespace pcl {
-struct PointXYZRGB;
-template <typename PointT>
-class PointCloud;
-namespace visualization {
-class PCLVisualizer;
-}
-}  // namespace pcl
 
 class RangingMarks {
 public:

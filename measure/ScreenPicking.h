@@ -6,18 +6,13 @@
 // convention); displayFromWidget converts a Qt widget position.
 
 #include "LidarRecords.h"
+#include "PclForward.h"
 
 #include <QPoint>
 
 class QWidget;
 class vtkRenderer;
 class vtkWorldPointPicker;
-
-namespace pcl {
-struct PointXYZRGB;
-template <typename PointT>
-class PointCloud;
-}  // namespace pcl
 
 namespace measure {
 

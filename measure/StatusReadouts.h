@@ -6,6 +6,7 @@
 // nothing costs nothing.
 
 #include "LidarRecords.h"
+#include "PclForward.h"
 
 #include <QString>
 #include <cstdint>
@@ -15,15 +16,6 @@
 
 class QLabel;
 class QWidget;
-
-namespace pcl {
-struct PointXYZRGB;
-template <typename PointT>
-class PointCloud;
-namespace visualization {
-class PCLVisualizer;
-}
-}  // namespace pcl
 
 class StatusReadouts {
 public:
