@@ -26,7 +26,7 @@ char* writeLine(char* out, int frameNumber, int32_t id, const lidar::LidarPoint&
     *out++ = ',';
     out = writeShortest(out, p.azimuth);
     *out++ = ',';
-    out = writeShortest(out, p.distance / 1000.0);
+    out = writeDecimal(out, p.distance, 3);  // the text of p.distance / 1000.0
     *out++ = ',';
     out = writeInteger(out, p.intensity);
     *out++ = ',';

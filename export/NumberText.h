@@ -17,6 +17,9 @@ constexpr int kMaxLength = 32;
 char* writeShortest(char* out, float value);
 char* writeShortest(char* out, double value);
 char* writeInteger(char* out, int64_t value);
+// The decimal n / 10^decimals (decimals 0..10), as writeShortest writes the
+// double nearest to it: millimetres as metres without dividing.
+char* writeDecimal(char* out, int64_t n, int decimals);
 
 QByteArray shortest(float value);
 QByteArray shortest(double value);

@@ -97,6 +97,8 @@ private slots:
     void shortestTextReadsBackExactly();
     void gridShortcutMatchesDigitsAndQt_data();
     void gridShortcutMatchesDigitsAndQt();
+    void everyFloatOfABinadeMatchesDigits_data();
+    void everyFloatOfABinadeMatchesDigits();
     void csvLines();
     void convert_data();
     void convert();
@@ -184,9 +186,11 @@ void CliTest::gridShortcutMatchesDigitsAndQt_data()
     QTest::addColumn<double>("step");
     QTest::addColumn<int>("count");
     QTest::newRow("centimetres around zero") << true << -800.0 << 0.01 << 160001;
-    QTest::newRow("centimetres at the shortcut's limit") << true << 65500.0 << 0.01 << 7201;
-    QTest::newRow("millimetres at the shortcut's limit") << true << 8150.0 << 0.001 << 84001;
+    QTest::newRow("centimetres where the plain layout ends") << true << 99900.0 << 0.01 << 20001;
+    QTest::newRow("millimetres") << true << 8150.0 << 0.001 << 84001;
     QTest::newRow("thousandths of a degree") << true << 0.0 << 0.001 << 360001;
+    QTest::newRow("azimuths of 42 words over 15 degrees") << true << 0.0 << 15.0 / 41 << 985;
+    QTest::newRow("where the plain layout starts") << true << 0.0 << 1e-6 << 300001;
     QTest::newRow("distances in metres") << false << -10.0 << 0.001 << 200001;
     QTest::newRow("distances at the shortcut's limit") << false << 2147483000.0 << 0.001 << 2000;
     QTest::newRow("sevenths, never on the grid") << true << -50.0 << 1.0 / 7 << 700;
@@ -214,6 +218,12 @@ void CliTest::gridShortcutMatchesDigitsAndQt()
                 value = neighbour == 0 ? exact : std::nextafter(exact, neighbour < 0 ? -INFINITY : INFINITY);
                 text = numbertext::shortest(value);
                 digits = numbertext::shortestByDigits(value);
+                if (neighbour == 0 && std::abs(step - 0.001) < 1e-12) {  // millimetres, written without dividing
+                    char decimal[numbertext::kMaxLength];
+                    const int64_t millimetres = std::llround(exact * 1000);
+                    QCOMPARE(QByteArray(decimal, int(numbertext::writeDecimal(decimal, millimetres, 3) - decimal)),
+                             numbertext::shortestByDigits(millimetres / 1000.0));
+                }
             }
             if (text != digits)
                 QFAIL(qPrintable(QString("%1: %2, not %3").arg(value, 0, 'g', 17).arg(text, digits)));
@@ -222,6 +232,32 @@ void CliTest::gridShortcutMatchesDigitsAndQt()
                                                QLocale::FloatingPointShortest).toLatin1() != text)
                 QFAIL(qPrintable(QString("%1: Qt differs").arg(QString(text))));
         }
+    }
+}
+
+void CliTest::everyFloatOfABinadeMatchesDigits_data()
+{
+    // Every third float from 2^exponent up to the next power of two.
+    QTest::addColumn<int>("exponent");
+    QTest::newRow("where the plain layout starts") << -14;
+    QTest::newRow("azimuths beyond 8 degrees") << 3;
+    QTest::newRow("where the plain layout ends") << 16;
+}
+
+void CliTest::everyFloatOfABinadeMatchesDigits()
+{
+    QFETCH(int, exponent);
+    const float first = std::ldexp(1.0f, exponent);
+    uint32_t bits = 0;
+    std::memcpy(&bits, &first, sizeof bits);
+    for (uint32_t step = 0; step < (1u << 23); step += 3) {
+        const uint32_t sign = step % 2 ? 0x80000000u : 0;
+        const uint32_t valueBits = (bits + step) | sign;
+        float value = 0;
+        std::memcpy(&value, &valueBits, sizeof value);
+        const QByteArray text = numbertext::shortest(value);
+        if (text != numbertext::shortestByDigits(value))
+            QFAIL(qPrintable(QString("%1 differs from %2").arg(QString(text), QString(numbertext::shortestByDigits(value)))));
     }
 }
 
