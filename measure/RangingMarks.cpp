@@ -1,5 +1,6 @@
 #include "RangingMarks.h"
 
+#include <pcl/console/print.h>
 #include <pcl/point_cloud.h>
 #include <pcl/point_types.h>
 #include <pcl/visualization/pcl_visualizer.h>
@@ -89,8 +90,13 @@ RangingMarks::Step RangingMarks::addRangingPoint(int index, const pcl::PointXYZR
     // update is refused as a duplicate, the update itself does the drawing.
     appendPoint(*m_clickCloud, redCopy(b));
     const pcl::visualization::PointCloudColorHandlerRGBField<pcl::PointXYZRGB> colours(m_clickCloud);
-    if (m_viewer.updatePointCloud<pcl::PointXYZRGB>(m_clickCloud, colours, kClickCloudId))
+    if (m_viewer.updatePointCloud<pcl::PointXYZRGB>(m_clickCloud, colours, kClickCloudId)) {
+        // The refusal is expected: its "id already exists" warning is kept off the console.
+        const pcl::console::VERBOSITY_LEVEL level = pcl::console::getVerbosityLevel();
+        pcl::console::setVerbosityLevel(pcl::console::L_ERROR);
         m_viewer.addPointCloud<pcl::PointXYZRGB>(m_clickCloud, colours, kClickCloudId, 0);
+        pcl::console::setVerbosityLevel(level);
+    }
     m_viewer.setPointCloudRenderingProperties(pcl::visualization::PCL_VISUALIZER_POINT_SIZE, pointSize + 3,
                                               kClickCloudId);
 

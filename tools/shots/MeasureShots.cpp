@@ -12,14 +12,13 @@
 #include "LIdarFactory.h"
 #include "OffinePlayWidget.h"
 #include "ScanDeck.h"
+#include "ShotSupport.h"
 #include "SimRecording.h"
-#include "UserMessages.h"
 #include "Wren_Plus.h"
 
 #include <QAbstractButton>
 #include <QApplication>
 #include <QDir>
-#include <QElapsedTimer>
 #include <QMouseEvent>
 #include <QScreen>
 #include <QProgressDialog>
@@ -28,26 +27,17 @@
 #include <QTemporaryDir>
 #include <QThread>
 #include <QTimer>
-#include <cstdio>
 #include <functional>
 
 #include <pcl/point_cloud.h>
 #include <pcl/point_types.h>
-#include <vtkObject.h>
 #include <vtkRenderWindow.h>
 #include <vtkRenderer.h>
 
 namespace {
 
-void settle(int ms)
-{
-    QElapsedTimer clock;
-    clock.start();
-    while (clock.elapsed() < ms) {
-        QApplication::processEvents(QEventLoop::AllEvents, 10);
-        QThread::msleep(5);
-    }
-}
+constexpr char kTool[] = "scandeck-readme-shots";
+int failedPictures = 0;
 
 void click(ScanDeck& window, const char* name)
 {
@@ -99,12 +89,11 @@ void clickAt(ScanDeck& window, const QPoint& at)
     mouse(window, QEvent::MouseButtonRelease, at);
 }
 
-bool save(const QString& path, const QRect& area)
+// The screen, so that a dialog over the window is in the picture.
+void save(const QString& path, const QRect& area)
 {
-    const QImage image = QGuiApplication::primaryScreen()->grabWindow(0).toImage().copy(area);
-    const bool ok = image.save(path);
-    std::printf("%s %s\n", ok ? "wrote" : "could not write", qPrintable(path));
-    return ok;
+    if (!shots::savePng(QGuiApplication::primaryScreen()->grabWindow(0).toImage().copy(area), path))
+        ++failedPictures;
 }
 
 // Opens a modal dialog with `open`, places it, lets frames arrive, takes the
@@ -115,7 +104,7 @@ void shootWithDialog(const std::function<void()>& open, const QPoint& at, const 
         QWidget* dialog = QApplication::activeModalWidget();
         if (dialog)
             dialog->move(at);
-        settle(1200);
+        shots::settle(1200);
         save(path, area);
         if (dialog)
             dialog->close();
@@ -127,30 +116,18 @@ void shootWithDialog(const std::function<void()>& open, const QPoint& at, const 
 
 int main(int argc, char* argv[])
 {
-    vtkObject::SetGlobalWarningDisplay(0);
-    ScanDeck::prepareGraphics();
+    shots::prepare();
     QApplication app(argc, argv);
     const QDir out(app.arguments().value(1, QStringLiteral(".")));
-    // No message box may wait for a click: each is printed and answered.
-    usermessages::setHandler([](QWidget*, const UserMessage& m) {
-        std::fprintf(stderr, "scandeck-readme-shots: %s: %s\n", qPrintable(m.title), qPrintable(m.text));
-        return QMessageBox::Ok;
-    });
-    int status = 0;
+    shots::answerMessages(kTool);
     {
         ScanDeck window;
-        window.waitUntilWired();
-        window.setWindowState(Qt::WindowNoState);
-        window.setGeometry(0, 0, 1600, 900);
-        window.show();
-        settle(300);
+        shots::showWindow(window, QSize(1600, 900));
         DemoLidar demo;
         QString error;
-        if (!demo.start(DemoLidar::defaultModel(), window, &error)) {
-            std::fprintf(stderr, "scandeck-readme-shots: %s\n", qPrintable(error));
-            return 1;
-        }
-        settle(1500);
+        if (!demo.start(DemoLidar::defaultModel(), window, &error))
+            return shots::fail(kTool, error);
+        shots::settle(1500);
         const QRect whole = window.frameGeometry();
 
         // Grid and polar rings, with their dialog.
@@ -165,10 +142,10 @@ int main(int argc, char* argv[])
         click(window, "btn_ranging");
         clickAt(window, pointNear(window, -3.2, 1.0));
         mouse(window, QEvent::MouseMove, drawnAt(window, -1.0, 1.1));
-        settle(300);
+        shots::settle(300);
         clickAt(window, pointNear(window, 1.25, 1.2));
         mouse(window, QEvent::MouseMove, pointNear(window, 2.0, -2.3));
-        settle(800);
+        shots::settle(800);
         save(out.filePath(QStringLiteral("measure-ranging.png")), whole);
         click(window, "btn_ranging");
 
@@ -180,21 +157,21 @@ int main(int argc, char* argv[])
         mouse(window, QEvent::MouseMove, to, Qt::LeftButton);
         mouse(window, QEvent::MouseButtonRelease, to);
         click(window, "btn_point_cloud_select");
-        settle(800);
+        shots::settle(800);
         shootWithDialog([&] { click(window, "btn_resize_range"); }, QPoint(1040, 520),
                         out.filePath(QStringLiteral("measure-box.png")), whole);
 
         // The readouts: the cursor on the round pillar, the box's extent,
         // the motor speed; the frame's ambient value is drawn in the view.
         mouse(window, QEvent::MouseMove, pointNear(window, 1.25, 1.2));
-        settle(500);
+        shots::settle(500);
         const QRect bar = window.statusBar()->geometry().translated(window.geometry().topLeft());
         const int left = window.findChild<QWidget*>(QStringLiteral("label_motor_speed"))->mapTo(&window, QPoint()).x();
         save(out.filePath(QStringLiteral("measure-readouts.png")), bar.adjusted(left - 8, 0, 0, 0));
 
         click(window, "btn_disconnect");
         demo.stop();
-        settle(300);
+        shots::settle(300);
 
         // The player opening ten minutes of a Wren_Plus, its parse slowed
         // down here so that the progress dialog is on screen for the picture.
@@ -202,10 +179,8 @@ int main(int argc, char* argv[])
         const QString recording = dir.filePath(QStringLiteral("Wren_Plus_10min.txt"));
         sim::SimOptions options;
         options.model = sim::Model::Wren_Plus;
-        if (!sim::writeRecording(options, 6000, recording, &error)) {
-            std::fprintf(stderr, "scandeck-readme-shots: %s\n", qPrintable(error));
-            return 1;
-        }
+        if (!sim::writeRecording(options, 6000, recording, &error))
+            return shots::fail(kTool, error);
         LIdarFactory::GetInstance()->RegisterBatchParseFunction(
             QStringLiteral("Wren_Plus"), [](const QVector<QByteArray>& packets, QVector<lidar::LidarDataPoint_V4>& frames) {
                 QThread::msleep(25);
@@ -216,7 +191,7 @@ int main(int argc, char* argv[])
         auto* player = window.findChild<OffinePlayWidget*>(QStringLiteral("offline"));
         player->setOpenFileHook([&](const QString&, const QString&, const QString&) { return recording; });
         player->setMessageHook([](const QString& title, const QString& text) {
-            std::fprintf(stderr, "scandeck-readme-shots: %s: %s\n", qPrintable(title), qPrintable(text));
+            shots::fail(kTool, title + ": " + text);
         });
         QTimer::singleShot(1200, [&] {
             auto* dialog = player->findChild<QProgressDialog*>();
@@ -228,5 +203,5 @@ int main(int argc, char* argv[])
                                                                 &Wren_Plus::ParseRecordedBatch);
         LIdarFactory::GetInstance()->Shutdown();
     }
-    return status;
+    return failedPictures == 0 ? 0 : 1;
 }

@@ -12,41 +12,22 @@
 #include "LIdarFactory.h"
 #include "OffinePlayWidget.h"
 #include "ScanDeck.h"
-#include "UserMessages.h"
+#include "ShotSupport.h"
 
 #include <QAbstractButton>
 #include <QApplication>
 #include <QComboBox>
 #include <QCommandLineParser>
-#include <QElapsedTimer>
 #include <QTabWidget>
 #include <QTimer>
-#include <cstdio>
-#include <vtkObject.h>
 
-namespace {
-
-void processEventsFor(int ms)
-{
-    QElapsedTimer clock;
-    clock.start();
-    while (clock.elapsed() < ms)
-        QApplication::processEvents(QEventLoop::AllEvents, 20);
-}
-
-int fail(const QString& message)
-{
-    std::fprintf(stderr, "scandeck-screenshot: %s\n", qPrintable(message));
-    return 1;
-}
-
-}  // namespace
+constexpr char kTool[] = "scandeck-screenshot";
 
 int main(int argc, char* argv[])
 {
-    vtkObject::SetGlobalWarningDisplay(0);
-    ScanDeck::prepareGraphics();
+    shots::prepare();
     QApplication app(argc, argv);
+    shots::answerMessages(kTool);  // no box waits for a click
 
     QCommandLineParser parser;
     parser.addOptions({
@@ -63,7 +44,7 @@ int main(int argc, char* argv[])
     });
     parser.process(app);
     if (!parser.isSet("output"))
-        return fail("no --output file");
+        return shots::fail(kTool, "no --output file");
     const QStringList size = parser.value("size").split('x');
 
     // Switching the language writes it into the settings file: put it back.
@@ -78,11 +59,7 @@ int main(int argc, char* argv[])
     int status = 0;
     {
         ScanDeck window;
-        window.waitUntilWired();
-        window.setWindowState(Qt::WindowNoState);
-        window.resize(size.value(0).toInt(), size.value(1).toInt());
-        window.show();
-        processEventsFor(300);
+        shots::showWindow(window, QSize(size.value(0).toInt(), size.value(1).toInt()));
 
         auto* language = window.findChild<QComboBox*>("cob_language");
         if (parser.value("language") == "Chinese")
@@ -98,12 +75,12 @@ int main(int argc, char* argv[])
         if (parser.isSet("demo")) {
             QString error;
             if (!demo.start(parser.value("demo"), window, &error))
-                return fail(error);
+                return shots::fail(kTool, error);
         }
         if (parser.isSet("play")) {
             const auto parsed = LIdarFactory::GetInstance()->ParseFile(parser.value("play"));
             if (parsed.second.isEmpty())
-                return fail("cannot play " + parser.value("play"));
+                return shots::fail(kTool, "cannot play " + parser.value("play"));
             auto* player = window.findChild<OffinePlayWidget*>("offline");
             player->loadFrames(parsed.first, parsed.second, parser.value("play"));
             player->lastFrame();
@@ -113,18 +90,16 @@ int main(int argc, char* argv[])
             window.setSaveFileHook([file](QWidget*, const QString&, const QString&, const QString&) { return file; });
             window.findChild<QAbstractButton*>("btn_save_data")->click();
         }
-        processEventsFor(parser.value("wait").toInt());
+        shots::settle(parser.value("wait").toInt());
         if (parser.isSet("silence")) {
             demo.stop();
-            processEventsFor(2300);
+            shots::settle(2300);
         }
-        if (!window.grab().save(parser.value("output")))
-            status = fail("cannot write " + parser.value("output"));
+        if (!shots::savePng(window.grab().toImage(), parser.value("output")))
+            status = shots::fail(kTool, "cannot write " + parser.value("output"));
         if (parser.isSet("record")) {
-            // The recording is finished; its "File saved" box is not waited for.
-            usermessages::setHandler([](QWidget*, const UserMessage&) { return QMessageBox::Ok; });
             window.findChild<QAbstractButton*>("btn_save_data")->click();
-            processEventsFor(100);
+            shots::settle(100);
         }
         demo.stop();
         LIdarFactory::GetInstance()->Shutdown();

@@ -1,0 +1,63 @@
+#include "ShotSupport.h"
+
+#include "ScanDeck.h"
+#include "UserMessages.h"
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QThread>
+#include <cstdio>
+#include <vtkObject.h>
+
+namespace shots {
+
+void prepare()
+{
+    vtkObject::SetGlobalWarningDisplay(0);
+    ScanDeck::prepareGraphics();
+}
+
+void settle(int ms)
+{
+    QElapsedTimer clock;
+    clock.start();
+    while (clock.elapsed() < ms) {
+        QApplication::processEvents(QEventLoop::AllEvents, 10);
+        QThread::msleep(5);
+    }
+}
+
+void showWindow(ScanDeck& window, const QSize& size)
+{
+    window.waitUntilWired();
+    window.setWindowState(Qt::WindowNoState);
+    window.setGeometry(0, 0, size.width(), size.height());
+    window.show();
+    settle(300);
+}
+
+void answerMessages(const char* tool)
+{
+    usermessages::setHandler([tool](QWidget*, const UserMessage& m) {
+        std::fprintf(stderr, "%s: %s: %s\n", tool, qPrintable(m.title), qPrintable(m.text));
+        return QMessageBox::Ok;
+    });
+}
+
+int fail(const char* tool, const QString& message)
+{
+    std::fprintf(stderr, "%s: %s\n", tool, qPrintable(message));
+    return 1;
+}
+
+bool savePng(const QImage& image, const QString& path, int maxWidth)
+{
+    const QImage shot = maxWidth > 0 && image.width() > maxWidth
+                            ? image.scaledToWidth(maxWidth, Qt::SmoothTransformation)
+                            : image;
+    const bool ok = shot.save(path, "PNG");
+    std::printf("%s %s (%dx%d)\n", ok ? "wrote" : "could not write", qPrintable(path), shot.width(), shot.height());
+    return ok;
+}
+
+}  // namespace shots

@@ -1,0 +1,28 @@
+#pragma once
+// What the README's picture tools share: setting up before the application
+// exists, showing the real window at a fixed size, letting it run, answering
+// every message box without a person, and writing PNG files.
+
+#include <QImage>
+#include <QSize>
+#include <QString>
+
+class ScanDeck;
+
+namespace shots {
+
+// Before the QApplication: VTK's warnings off, the graphics format set.
+void prepare();
+// Lets the window run for `ms` milliseconds.
+void settle(int ms);
+// Shows `window` unmaximised at the top left corner with this size.
+void showWindow(ScanDeck& window, const QSize& size);
+// Every message box is printed under the tool's name and answered with OK.
+void answerMessages(const char* tool);
+// Prints "tool: message" on standard error; returns 1, the failure status.
+int fail(const char* tool, const QString& message);
+// Writes `image` (scaled down to `maxWidth` when wider and it is above 0)
+// and says so on standard output.
+bool savePng(const QImage& image, const QString& path, int maxWidth = 0);
+
+}  // namespace shots
