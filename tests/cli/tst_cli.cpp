@@ -256,8 +256,9 @@ void CliTest::everyFloatOfABinadeMatchesDigits()
         float value = 0;
         std::memcpy(&value, &valueBits, sizeof value);
         const QByteArray text = numbertext::shortest(value);
-        if (text != numbertext::shortestByDigits(value))
-            QFAIL(qPrintable(QString("%1 differs from %2").arg(QString(text), QString(numbertext::shortestByDigits(value)))));
+        const QByteArray digits = numbertext::shortestByDigits(value);
+        if (text != digits)
+            QFAIL(qPrintable(QString("%1, not %2").arg(QString(text), QString(digits))));
     }
 }
 
