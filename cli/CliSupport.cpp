@@ -60,6 +60,19 @@ int parseCommandLine(QCommandLineParser& parser, const QString& command, const Q
     return -1;
 }
 
+int parseCommandLine(QCommandLineParser& parser, const QString& command, const QStringList& arguments,
+                     const QString& helpText, QString& input)
+{
+    const int early = parseCommandLine(parser, command, arguments, helpText);
+    if (early >= 0)
+        return early;
+    const QStringList positional = parser.positionalArguments();
+    if (positional.size() != 1)
+        return usageError(command, positional.isEmpty() ? "no recording given" : "give exactly one recording");
+    input = positional.first();
+    return -1;
+}
+
 bool toNumber(const QString& text, double& value)
 {
     bool ok = false;

@@ -30,6 +30,9 @@ QString counted(qint64 count, const QString& noun);
 // command should go on, otherwise the exit code to return at once.
 int parseCommandLine(QCommandLineParser& parser, const QString& command, const QStringList& arguments,
                      const QString& helpText);
+// The same for a command that takes exactly one input file, given back in `input`.
+int parseCommandLine(QCommandLineParser& parser, const QString& command, const QStringList& arguments,
+                     const QString& helpText, QString& input);
 
 bool toNumber(const QString& text, double& value);  // C locale, finite only
 bool toPositiveInt(const QString& text, int& value);

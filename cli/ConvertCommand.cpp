@@ -107,13 +107,11 @@ int runConvert(const QStringList& arguments)
     addSourceOptions(parser);
     parser.addPositionalArgument("input", "Recording or capture.");
     const QString help = QString::fromLatin1(kHelp).arg(modelList());
-    const int early = parseCommandLine(parser, command, arguments, help);
+    QString input;
+    const int early = parseCommandLine(parser, command, arguments, help, input);
     if (early >= 0)
         return early;
 
-    const QStringList positional = parser.positionalArguments();
-    if (positional.size() != 1)
-        return usageError(command, positional.isEmpty() ? "no recording given" : "give exactly one recording");
     const QString target = parser.value(output);
     if (!parser.isSet(output) || target.isEmpty())
         return usageError(command, "no output given (-o <path>)");
@@ -139,7 +137,6 @@ int runConvert(const QStringList& arguments)
                                                   "(a range across 0 takes two conversions)")
                                        .arg(start)
                                        .arg(end));
-    const QString input = positional.first();
     std::unique_ptr<FrameSource> source;
     if (const int failed = openSourceFromArguments(parser, command, input, source))
         return failed;

@@ -35,13 +35,11 @@ int runInfo(const QStringList& arguments)
     QCommandLineParser parser;
     addSourceOptions(parser);
     parser.addPositionalArgument("input", "Recording or capture.");
-    const int early = parseCommandLine(parser, command, arguments, QString::fromLatin1(kHelp).arg(modelList()));
+    QString input;
+    const int early =
+        parseCommandLine(parser, command, arguments, QString::fromLatin1(kHelp).arg(modelList()), input);
     if (early >= 0)
         return early;
-    const QStringList positional = parser.positionalArguments();
-    if (positional.size() != 1)
-        return usageError(command, positional.isEmpty() ? "no recording given" : "give exactly one recording");
-    const QString input = positional.first();
     std::unique_ptr<FrameSource> source;
     if (const int failed = openSourceFromArguments(parser, command, input, source))
         return failed;

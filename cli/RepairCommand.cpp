@@ -30,13 +30,10 @@ int runRepair(const QStringList& arguments)
     const QString command = QStringLiteral("repair");
     QCommandLineParser parser;
     parser.addPositionalArgument("recording", "Recorded data file.");
-    const int early = parseCommandLine(parser, command, arguments, QString::fromLatin1(kHelp));
+    QString recording;
+    const int early = parseCommandLine(parser, command, arguments, QString::fromLatin1(kHelp), recording);
     if (early >= 0)
         return early;
-    const QStringList positional = parser.positionalArguments();
-    if (positional.size() != 1)
-        return usageError(command, positional.isEmpty() ? "no recording given" : "give exactly one recording");
-    const QString recording = positional.first();
     if (!QFileInfo(recording).isFile())
         return fileError(recording, QStringLiteral("cannot open: no such file"));
 
