@@ -9,6 +9,8 @@ packages=(
   libvtk9-qt-dev libpcl-dev libpcap-dev
   xvfb xauth fonts-wqy-microhei qttranslations5-l10n
   clang libclang-rt-14-dev
+  libqt5charts5-dev
+  librosbag-dev libsensor-msgs-dev pluginlib-dev python3-rosbag
 )
 
 missing=()
