@@ -166,6 +166,12 @@ void CaptureFile::readDatagrams(quint16 port, const PayloadSink& sink)
     summary_.counts = extractor.counts();
 }
 
+qint64 CaptureFile::position() const
+{
+    FILE* stream = handle_ ? pcap_file(handle_) : nullptr;
+    return stream ? qint64(std::ftell(stream)) : -1;
+}
+
 QStringList CaptureFile::warnings() const
 {
     QStringList lines;

@@ -55,6 +55,8 @@ public:
     void readDatagrams(quint16 port, const PayloadSink& sink);
 
     const CaptureSummary& summary() const { return summary_; }
+    // Bytes of the capture read so far, for progress; -1 when unknown.
+    qint64 position() const;
     // One line for each thing the reader had to skip or give up on.
     QStringList warnings() const;
     // Why no datagram came out (port, what the capture held instead).

@@ -7,7 +7,8 @@
 namespace capture {
 
 CaptureFramesResult readCaptureFrames(const QString& path, const CaptureOptions& options,
-                                      const std::function<bool(lidar::LidarDataPoint_V4& frame)>& sink)
+                                      const std::function<bool(lidar::LidarDataPoint_V4& frame)>& sink,
+                                      const std::function<void(qint64 bytesRead)>& progress)
 {
     CaptureFramesResult result;
     bool stopped = false;
@@ -26,8 +27,11 @@ CaptureFramesResult readCaptureFrames(const QString& path, const CaptureOptions&
         result.error = file.errorString();
         return result;
     }
+    qint64 datagrams = 0;
     file.readDatagrams(options.port, [&](const QByteArray& payload) {
         stream->feed(payload);
+        if (progress && ++datagrams % 256 == 0)
+            progress(file.position());
         return !stopped;
     });
     result.summary = file.summary();

@@ -28,8 +28,11 @@ struct CaptureFramesResult {
 };
 
 // `sink` gets each complete frame as it is decoded and returns false to stop.
+// `progress`, if given, hears the bytes of the capture read so far now and
+// then.
 CaptureFramesResult readCaptureFrames(const QString& path, const CaptureOptions& options,
-                                      const std::function<bool(lidar::LidarDataPoint_V4& frame)>& sink);
+                                      const std::function<bool(lidar::LidarDataPoint_V4& frame)>& sink,
+                                      const std::function<void(qint64 bytesRead)>& progress = {});
 
 // All frames at once, for the player.
 QVector<lidar::LidarDataPoint_V4> parseCaptureFile(const QString& path, const CaptureOptions& options,
