@@ -13,7 +13,7 @@
 namespace bench {
 namespace {
 
-constexpr double kTargetPacketsPerSecond = 1000000.0;
+constexpr double kTargetPacketsPerSecond = 3000000.0;
 constexpr int kRevolutions = 2000;  // 48,000 packets a run
 constexpr double kMinimumSeconds = 1.0;
 
@@ -65,22 +65,28 @@ Rate measureLive(const QString& model, const Stream& stream)
     return rate;
 }
 
-// Offline path: the registered parse function over the packet list.
+// Offline path: a copy of the model's offline parser over the packet list,
+// each frame taken as it is completed and let go, as the player's index and
+// 'scandeck-cli convert' take them.
 Rate measureOffline(const QString& model, const Stream& stream)
 {
-    const ParseFunction parse = LIdarFactory::GetInstance()->parseMap.value(model);
-    if (!parse)
+    std::unique_ptr<lidar::OfflineParser> parser = LIdarFactory::GetInstance()->CopyOfflineParser(model);
+    if (!parser)
         return {};
-    const QVector<QByteArray> input = stream.recordPrefix + stream.packets;
+    parser->setPrefix(stream.recordPrefix);
     Rate rate;
     qint64 packets = 0, points = 0;
+    QVector<lidar::LidarDataPoint_V4> completed;
     QElapsedTimer timer;
     timer.start();
     do {
-        const QVector<lidar::LidarDataPoint_V4> frames = parse(input);
-        rate.frames += frames.size();
-        for (const auto& frame : frames)
-            points += qint64(frame.pointCount());
+        for (const QByteArray& packet : stream.packets) {
+            parser->add(packet, completed);
+            for (const auto& frame : completed)
+                points += qint64(frame.pointCount());
+            rate.frames += completed.size();
+            completed.clear();
+        }
         packets += stream.packets.size();
     } while (timer.nsecsElapsed() < qint64(kMinimumSeconds * 1e9));
     const double seconds = timer.nsecsElapsed() / 1e9;

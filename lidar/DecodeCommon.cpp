@@ -1,7 +1,6 @@
 #include "DecodeCommon.h"
 
 #include <algorithm>
-#include <memory>
 
 namespace lidar {
 namespace decode {
@@ -40,45 +39,6 @@ SinCos computeSinCos(double azimuth)
 {
     const double angle = azimuth * 3.141592653589793 / 180.0;
     return {std::sin(angle), std::cos(angle)};
-}
-
-namespace {
-
-constexpr uint64_t kNoKey = ~uint64_t(0);  // a NaN: no azimuth has these bits
-
-// Reached without a guard; the owner frees the table with the thread.
-thread_local AzimuthTrig* t_trig = nullptr;
-
-}  // namespace
-
-AzimuthTrig::AzimuthTrig()
-{
-    for (auto& set : sets_)
-        for (Entry& entry : set)
-            entry.key = kNoKey;
-}
-
-AzimuthTrig& AzimuthTrig::forThisThread()
-{
-    if (Q_LIKELY(t_trig))
-        return *t_trig;
-    struct Owner {
-        std::unique_ptr<AzimuthTrig> table{new AzimuthTrig};
-        ~Owner() { t_trig = nullptr; }
-    };
-    thread_local Owner owner;
-    t_trig = owner.table.get();
-    return *t_trig;
-}
-
-SinCos AzimuthTrig::miss(Entry* set, uint64_t key, double azimuth)
-{
-    const SinCos value = computeSinCos(azimuth);
-    if (key != kNoKey) {
-        std::copy_backward(set, set + kWays - 1, set + kWays);
-        set[0] = {key, value};
-    }
-    return value;
 }
 
 std::vector<LidarPoint>& FrameLines::lookUp(int32_t id)

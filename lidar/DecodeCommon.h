@@ -80,18 +80,14 @@ extern const QByteArray kTrailer;  // FA FB
 // that grows past that is given up for the next header that fits.
 void keepUnconsumed(QByteArray& buffer, int used, int maxPending);
 
-// One point of a packet with its azimuth before the 360-degree correction.
-// `keep` false: the point takes part in the revolution test but is not stored.
-struct PacketPoint {
-    int32_t id = 0;
-    double azimuth = 0.0;
-    LidarPoint point;
-    bool keep = true;
-};
-
-// What one data packet contributes: frame-level values and its points.
-// Decoders size `points` to the packet's count and write every field of
-// each, so that a run of packets of one size reuses the same storage.
+// What one data packet contributes: frame-level values and its points in
+// packet order, each with its azimuth before the 360-degree correction (in
+// the precision the model computes in), its channel ID, and whether it is
+// stored (`kept` false: it takes part in the revolution test only). The
+// Tern family stores every point under channel 0 (`channel0Only`), and
+// then `ids` and `kept` are not read. Decoders size the packet to its
+// point count and write every field of each point, so that a run of
+// packets of one size reuses the same storage.
 struct DecodedPacket {
     int32_t motorSpeed = -1;
     bool hasAmbient = false;
@@ -99,13 +95,28 @@ struct DecodedPacket {
     bool hasDateTime = false;
     char dateTime[64];  // Latin-1, dateTimeLength characters
     int dateTimeLength = 0;
-    std::vector<PacketPoint> points;
+    bool channel0Only = false;
+    std::vector<LidarPoint> points;  // azimuth: the final one when not above 360
+    std::vector<double> azimuths;
+    std::vector<int32_t> ids;
+    std::vector<uint8_t> kept;
 
     void reset()
     {
         motorSpeed = -1;
         hasAmbient = false;
         hasDateTime = false;
+    }
+    size_t size() const { return points.size(); }
+    void resize(size_t n, bool everyPointOnChannel0)
+    {
+        channel0Only = everyPointOnChannel0;
+        points.resize(n);
+        azimuths.resize(n);
+        if (!everyPointOnChannel0) {
+            ids.resize(n);
+            kept.resize(n);
+        }
     }
 };
 
@@ -121,56 +132,77 @@ struct SinCos {
 };
 SinCos computeSinCos(double azimuth);
 
-// A lidar sends the same azimuths revolution after revolution, so each
-// thread keeps the sines and cosines it has computed in a table: a hit
-// returns the very same doubles without the cost of the trigonometry. Four
-// azimuths share a set, so that a revolution's azimuths all find a place
-// even where their hashes meet; a new one pushes out the oldest.
-class AzimuthTrig {
-public:
-    // The calling thread's table (look it up once per packet).
-    static AzimuthTrig& forThisThread();
-
-    SinCos of(double azimuth)
-    {
-        uint64_t key;
-        std::memcpy(&key, &azimuth, sizeof key);
-        Entry* set = sets_[(key * 0x9E3779B97F4A7C15ull) >> (64 - kSetBits)];
-        for (int way = 0; way < kWays; ++way)
-            if (set[way].key == key)
-                return set[way].value;
-        return miss(set, key, azimuth);
-    }
-
-    AzimuthTrig();
-
-private:
-    struct Entry {
-        uint64_t key;
-        SinCos value;
-    };
-    static constexpr int kSetBits = 11;
-    static constexpr int kWays = 4;
-    SinCos miss(Entry* set, uint64_t key, double azimuth);
-
-    Entry sets_[1 << kSetBits][kWays];
+// The azimuths of one packet and their sines and cosines.
+template <typename Azimuth>
+struct PacketAngles {
+    bool known = false;
+    uint16_t code = 0;    // start code, 1/100 degree
+    uint32_t shape = 0;   // what else fixes the azimuths (points, or an end code)
+    std::vector<Azimuth> azimuths;
+    std::vector<SinCos> trig;
 };
 
-// Writes a whole point at `azimuth` degrees and `distance` mm; x uses the
-// sine, y the cosine; stored, no time stamp.
-inline void setPoint(PacketPoint& p, int32_t id, double azimuth, int32_t distance, int32_t intensity,
-                     const SinCos& trig)
+// A packet's azimuths follow from its start code (1/100 degree) and its
+// shape: for the Tern family the number of points over its 15 degrees, for
+// the Wren family its end code. A lidar sends the same few hundred start
+// codes revolution after revolution, so each thread keeps the angles of the
+// packets it has met, by start code: a packet met again costs one lookup,
+// and its values are the very ones computing them gives (std::sin and
+// std::cos of the azimuth in double precision). `Family` keeps the tables
+// of the two families apart.
+template <typename Azimuth, int Family>
+class PacketAngleTable {
+public:
+    static PacketAngleTable& forThisThread()
+    {
+        thread_local PacketAngleTable table;
+        return table;
+    }
+
+    // The angles of a packet; `fill(azimuths)` writes its azimuths when
+    // they are not in the table.
+    template <typename Fill>
+    const PacketAngles<Azimuth>& lookUp(uint16_t code, uint32_t shape, Fill&& fill)
+    {
+        PacketAngles<Azimuth>& slot = slots_[code % kSlots];
+        if (Q_UNLIKELY(!slot.known || slot.code != code || slot.shape != shape)) {
+            fill(slot.azimuths);
+            slot.trig.resize(slot.azimuths.size());
+            for (size_t i = 0; i < slot.azimuths.size(); ++i)
+                slot.trig[i] = computeSinCos(double(slot.azimuths[i]));
+            slot.code = code;
+            slot.shape = shape;
+            slot.known = true;
+        }
+        return slot;
+    }
+
+private:
+    // Start codes of one revolution lie in different slots; a code that
+    // meets another in its slot takes it over.
+    static constexpr int kSlots = 4096;
+    std::vector<PacketAngles<Azimuth>> slots_ = std::vector<PacketAngles<Azimuth>>(kSlots);
+};
+
+// Writes point `i` of a packet at `azimuth` degrees and `distance` mm; x
+// uses the sine, y the cosine; stored, no time stamp. Channel and storing
+// are written only where the packet has them.
+inline void setPoint(DecodedPacket& packet, size_t i, int32_t id, double azimuth, int32_t distance,
+                     int32_t intensity, const SinCos& trig)
 {
-    p.id = id;
-    p.azimuth = azimuth;
-    p.point.x = static_cast<float>(trig.sin * distance / 1000.0);
-    p.point.y = static_cast<float>(trig.cos * distance / 1000.0);
-    p.point.z = 0.0f;
-    p.point.azimuth = -1.0f;  // given when the point is placed
-    p.point.distance = distance;
-    p.point.intensity = intensity;
-    p.point.timestamp = -1;
-    p.keep = true;
+    LidarPoint& p = packet.points[i];
+    p.x = static_cast<float>(trig.sin * distance / 1000.0);
+    p.y = static_cast<float>(trig.cos * distance / 1000.0);
+    p.z = 0.0f;
+    p.azimuth = static_cast<float>(azimuth);
+    p.distance = distance;
+    p.intensity = intensity;
+    p.timestamp = -1;
+    packet.azimuths[i] = azimuth;
+    if (!packet.channel0Only) {
+        packet.ids[i] = id;
+        packet.kept[i] = 1;
+    }
 }
 
 // The point list of one ID in a frame, found once and then reused while
@@ -226,28 +258,56 @@ void placePoints(const DecodedPacket& packet, LidarDataPoint_V4& current, LidarD
         assignLatin1(current.dateTime, packet.dateTime, packet.dateTimeLength);
 
     FrameLines currentLines(current), nextLines(next);
-    for (const PacketPoint& p : packet.points) {
-        const Azimuth azimuth = static_cast<Azimuth>(p.azimuth);
-        const Azimuth before = static_cast<Azimuth>(previous);
-        if (before > azimuth && std::abs(before - azimuth) > Azimuth(15)) {
+    // Kept in a local while the points are placed: through the reference
+    // every store into a point list would make it read again.
+    Previous last = previous;
+    const size_t n = packet.size();
+    const auto endsRevolution = [](Azimuth before, Azimuth azimuth) {
+        return before > azimuth && std::abs(before - azimuth) > Azimuth(15);
+    };
+    for (size_t i = 0; i < n;) {
+        const Azimuth azimuth = static_cast<Azimuth>(packet.azimuths[i]);
+        if (Q_UNLIKELY(endsRevolution(static_cast<Azimuth>(last), azimuth))) {
             const LidarDataPoint_V4 ended = current;  // shares the points
+            previous = last;
             endRevolution();
             currentLines.newRevolution(ended);
             nextLines.forget();
         }
-        previous = static_cast<Previous>(azimuth);
-        if (!p.keep)
+        last = static_cast<Previous>(azimuth);
+        if (packet.channel0Only && !(azimuth > Azimuth(360))) {
+            // The run of points that stays in this revolution below 360
+            // degrees goes in at once; their azimuths are already final.
+            size_t end = i + 1;
+            for (; end < n; ++end) {
+                const Azimuth a = static_cast<Azimuth>(packet.azimuths[end]);
+                if (a > Azimuth(360) || endsRevolution(static_cast<Azimuth>(last), a))
+                    break;
+                last = static_cast<Previous>(a);
+            }
+            std::vector<LidarPoint>& line = currentLines[0];
+            line.insert(line.end(), packet.points.begin() + std::ptrdiff_t(i),
+                        packet.points.begin() + std::ptrdiff_t(end));
+            i = end;
             continue;
-        if (azimuth > Azimuth(360)) {
-            std::vector<LidarPoint>& line = nextLines[p.id];
-            line.push_back(p.point);
-            line.back().azimuth = static_cast<float>(azimuth - Azimuth(360));
-        } else {
-            std::vector<LidarPoint>& line = currentLines[p.id];
-            line.push_back(p.point);
-            line.back().azimuth = static_cast<float>(azimuth);
         }
+        const int32_t id = packet.channel0Only ? 0 : packet.ids[i];
+        if (packet.channel0Only || packet.kept[i]) {
+            // Copied whole, then given its azimuth: a copy made on the stack
+            // with one field changed would be read back before its store lands.
+            if (Q_UNLIKELY(azimuth > Azimuth(360))) {
+                std::vector<LidarPoint>& line = nextLines[id];
+                line.push_back(packet.points[i]);
+                line.back().azimuth = static_cast<float>(azimuth - Azimuth(360));
+            } else {
+                std::vector<LidarPoint>& line = currentLines[id];
+                line.push_back(packet.points[i]);
+                line.back().azimuth = static_cast<float>(azimuth);
+            }
+        }
+        ++i;
     }
+    previous = last;
 }
 
 // State an offline parse function keeps from one call to the next.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cstring>
 #include <ctime>
 
 namespace lidar {
@@ -31,6 +32,10 @@ Cut cutPiece(decode::Bytes bytes, int from, int fallbackLength)
 
 bool lacksTrailer(decode::Bytes piece)
 {
+    // As nearly every recorded packet is: a header first, a trailer last.
+    if (piece.size >= 4 && decode::u8(piece, 0) == 0xA5 && decode::u8(piece, 1) == 0x5A
+        && decode::u8(piece, piece.size - 2) == 0xFA && decode::u8(piece, piece.size - 1) == 0xFB)
+        return false;
     const int start = decode::findHeader(piece, 0);
     // Without a header the trailer search starts at the last byte.
     const int from = start < 0 ? piece.size - 1 : start;
@@ -56,42 +61,83 @@ int filterModeFromCode(uint8_t code)
     return 1;
 }
 
+namespace {
+
+// The distance words that make points, read once: `distances` and
+// `intensities` get one entry per point; returns their number.
+template <bool SkipsNoMeasurement, bool MasksFlag, bool FlagIsIntensity>
+int readWords(const uchar* words, int wordCount, int dropped, int32_t* distances, int32_t* intensities)
+{
+    int count = 0;
+    for (int w = 0; w < wordCount; ++w) {
+        const uint16_t word = uint16_t(words[2 * w] << 8 | words[2 * w + 1]);
+        if (w == dropped || (SkipsNoMeasurement && word == 0xFFFF))
+            continue;
+        distances[count] = MasksFlag ? (word & 0x7FFF) : word;
+        intensities[count] = FlagIsIntensity && (word & 0x8000) ? 255 : 0;
+        ++count;
+    }
+    return count;
+}
+
+int readWords(WordEncoding e, const uchar* words, int wordCount, int dropped, int32_t* distances,
+              int32_t* intensities)
+{
+    if (e.skipsNoMeasurement && e.masksFlag && e.flagIsIntensity)
+        return readWords<true, true, true>(words, wordCount, dropped, distances, intensities);
+    if (e.skipsNoMeasurement && e.masksFlag && !e.flagIsIntensity)
+        return readWords<true, true, false>(words, wordCount, dropped, distances, intensities);
+    if (!e.skipsNoMeasurement && !e.masksFlag && !e.flagIsIntensity)
+        return readWords<false, false, false>(words, wordCount, dropped, distances, intensities);
+    if (!e.skipsNoMeasurement && !e.masksFlag && e.flagIsIntensity)
+        return readWords<false, false, true>(words, wordCount, dropped, distances, intensities);
+    // No model reads its words any other way; kept general all the same.
+    int count = 0;
+    for (int w = 0; w < wordCount; ++w) {
+        const uint16_t word = uint16_t(words[2 * w] << 8 | words[2 * w + 1]);
+        if (w == dropped || (e.skipsNoMeasurement && word == 0xFFFF))
+            continue;
+        distances[count] = e.masksFlag ? (word & 0x7FFF) : word;
+        intensities[count] = e.flagIsIntensity && (word & 0x8000) ? 255 : 0;
+        ++count;
+    }
+    return count;
+}
+
+}  // namespace
+
 void decodeBody(decode::Bytes packet, int angleOffset, int wordsOffset, int wordCount, WordEncoding encoding,
                 bool dropsThe41st, decode::DecodedPacket& out)
 {
     using decode::be16;
     out.reset();
     out.motorSpeed = decode::motorSpeedFromPeriod(be16(packet, angleOffset + 2));
+    wordCount = std::max(wordCount, 0);
     // The 41st measurement is kept only when the 40th word is zero.
     const int dropped = dropsThe41st && wordCount > 40 && be16(packet, wordsOffset + 2 * 39) != 0 ? 40 : -1;
-    const auto makesPoint = [&](int w, uint16_t word) {
-        return w != dropped && !(encoding.skipsNoMeasurement && word == 0xFFFF);
-    };
-    // The step depends on how many points the packet makes: count first.
-    int count = std::max(wordCount, 0);
-    if (encoding.skipsNoMeasurement || dropped >= 0) {
-        count = 0;
-        for (int w = 0; w < wordCount; ++w)
-            count += makesPoint(w, be16(packet, wordsOffset + 2 * w)) ? 1 : 0;
+    // The step depends on how many points the packet makes: the words are
+    // read first.
+    thread_local std::vector<int32_t> distances, intensities;
+    if (distances.size() < size_t(wordCount)) {
+        distances.resize(size_t(wordCount));
+        intensities.resize(size_t(wordCount));
     }
-    out.points.resize(size_t(count));
+    const auto* words = reinterpret_cast<const uchar*>(packet.data + wordsOffset);
+    const int count = readWords(encoding, words, wordCount, dropped, distances.data(), intensities.data());
+    out.resize(size_t(count), true);
     if (count == 0)
         return;
-    const float start = static_cast<float>(be16(packet, angleOffset) / 100.0);
-    const float step = static_cast<float>(15.0 / count);
-    decode::AzimuthTrig& trig = decode::AzimuthTrig::forThisThread();
-    decode::PacketPoint* point = out.points.data();
-    int i = 0;
-    for (int w = 0; w < wordCount; ++w) {
-        const uint16_t word = be16(packet, wordsOffset + 2 * w);
-        if (!makesPoint(w, word))
-            continue;
-        const bool flag = (word & 0x8000) != 0;
-        const int32_t distance = encoding.masksFlag ? (word & 0x7FFF) : word;
-        const int32_t intensity = (encoding.flagIsIntensity && flag) ? 255 : 0;
-        const float azimuth = static_cast<float>(i++) * step + start;
-        decode::setPoint(*point++, 0, azimuth, distance, intensity, trig.of(azimuth));
-    }
+    const uint16_t code = be16(packet, angleOffset);
+    const decode::PacketAngles<float>& angles =
+        decode::PacketAngleTable<float, 0>::forThisThread().lookUp(code, uint32_t(count), [&](std::vector<float>& a) {
+            const float start = static_cast<float>(code / 100.0);
+            const float step = static_cast<float>(15.0 / count);
+            a.resize(size_t(count));
+            for (int i = 0; i < count; ++i)
+                a[size_t(i)] = static_cast<float>(i) * step + start;
+        });
+    for (size_t i = 0; i < size_t(count); ++i)
+        decode::setPoint(out, i, 0, angles.azimuths[i], distances[i], intensities[i], angles.trig[i]);
 }
 
 CalendarTime decodeVariablePacket(decode::Bytes packet, WordEncoding encoding, decode::DecodedPacket& out)
@@ -160,15 +206,32 @@ uint64_t packetTimeNs(const CalendarTime& t)
 int formatDateTime(const CalendarTime& t, char* text, int capacity)
 {
     // "%1-%2-%3 %4:%5:%6:%7" in one pass: seven chained QString::arg calls
-    // cost as much as the rest of the packet.
-    const int32_t fields[7] = {t.year, t.month, t.day, t.hour, t.minute, t.second, t.millisecond};
-    const char separators[7] = {'-', '-', ' ', ':', ':', ':', '\0'};
-    char* end = text;
-    for (int i = 0; i < 7; ++i) {
-        end = std::to_chars(end, text + capacity, fields[i]).ptr;
-        if (separators[i])
+    // cost as much as the rest of the packet. The date, hour and minute
+    // change seldom: each thread keeps their text from the last packet.
+    struct Minute {
+        int32_t year = -1, month = 0, day = 0, hour = 0, minute = 0;
+        char text[40];
+        int length = 0;
+    };
+    thread_local Minute last;
+    if (t.year != last.year || t.month != last.month || t.day != last.day || t.hour != last.hour
+        || t.minute != last.minute) {
+        const int32_t fields[5] = {t.year, t.month, t.day, t.hour, t.minute};
+        const char separators[5] = {'-', '-', ' ', ':', ':'};
+        char* end = last.text;
+        for (int i = 0; i < 5; ++i) {
+            end = std::to_chars(end, last.text + sizeof last.text, fields[i]).ptr;
             *end++ = separators[i];
+        }
+        last.length = int(end - last.text);
+        last.year = t.year, last.month = t.month, last.day = t.day, last.hour = t.hour, last.minute = t.minute;
     }
+    if (capacity < last.length + 24)
+        return 0;
+    std::memcpy(text, last.text, size_t(last.length));
+    char* end = std::to_chars(text + last.length, text + capacity, t.second).ptr;
+    *end++ = ':';
+    end = std::to_chars(end, text + capacity, t.millisecond).ptr;
     return int(end - text);
 }
 
@@ -212,9 +275,26 @@ void stampPoints(decode::DecodedPacket& packet, uint64_t nowNs, uint64_t previou
     if (n == 0)
         return;
     const uint64_t dt = (nowNs - previousNs) / n;
+    // Where no offset leaves 32 bits (the points of a packet span less than
+    // two seconds) the times rise by dt from point to point: the
+    // milliseconds are carried forward instead of divided out each time.
+    if (dt < 1000000u && (n - 1) * dt <= uint64_t(INT32_MAX)) {
+        const uint64_t first = nowNs - (n - 1) * dt;
+        uint64_t ms = first / 1000000u;
+        uint64_t rest = first % 1000000u;
+        for (uint64_t i = 0; i < n; ++i) {
+            packet.points[i].timestamp = static_cast<int64_t>(ms);
+            rest += dt;
+            if (rest >= 1000000u) {
+                rest -= 1000000u;
+                ++ms;
+            }
+        }
+        return;
+    }
     for (uint64_t i = 0; i < n; ++i) {
         const int32_t offset = static_cast<int32_t>((n - 1 - i) * dt);
-        packet.points[i].point.timestamp = static_cast<int64_t>((nowNs - offset) / 1000000u);
+        packet.points[i].timestamp = static_cast<int64_t>((nowNs - offset) / 1000000u);
     }
 }
 

@@ -103,16 +103,30 @@ struct GroupAngles {
 };
 
 template <typename Azimuth>
-GroupAngles<Azimuth> groupAngles(decode::Bytes packet, int startOffset, int endOffset)
+GroupAngles<Azimuth> groupAngles(uint16_t startCode, uint16_t endCode)
 {
-    Azimuth start = Azimuth(decode::be16(packet, startOffset)) / Azimuth(100);
-    Azimuth end = Azimuth(decode::be16(packet, endOffset)) / Azimuth(100);
+    Azimuth start = Azimuth(startCode) / Azimuth(100);
+    Azimuth end = Azimuth(endCode) / Azimuth(100);
     if (start > Azimuth(360))
         start -= Azimuth(360);
     if (end > Azimuth(360))
         end -= Azimuth(360);
     const Azimuth span = start > end ? end + Azimuth(360) - start : end - start;
     return {start, span / Azimuth(15)};
+}
+
+// The sixteen azimuths of a packet with these start and end codes, and
+// their sines and cosines, from the calling thread's table.
+template <typename Azimuth>
+const decode::PacketAngles<Azimuth>& packetAngles(uint16_t startCode, uint16_t endCode)
+{
+    return decode::PacketAngleTable<Azimuth, 1>::forThisThread().lookUp(
+        startCode, endCode, [&](std::vector<Azimuth>& azimuths) {
+            const GroupAngles<Azimuth> angles = groupAngles<Azimuth>(startCode, endCode);
+            azimuths.resize(kGroups);
+            for (int k = 0; k < kGroups; ++k)
+                azimuths[size_t(k)] = angles.at(k);
+        });
 }
 
 // Version text (unsigned bytes), filter mode (0 when the state is 1,

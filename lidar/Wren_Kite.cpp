@@ -13,13 +13,12 @@ void Wren_Kite::DecodePacket(Bytes packet, DecodedPacket& out)
 {
     out.reset();
     out.motorSpeed = motorSpeedFromPeriod(be16(packet, 3));
-    const auto angles = wren::groupAngles<double>(packet, 5, 55);
-    AzimuthTrig& trig = AzimuthTrig::forThisThread();
-    out.points.resize(wren::kGroups);
-    for (int k = 0; k < wren::kGroups; ++k) {
-        const int at = 7 + 3 * k;
-        const double azimuth = angles.at(k);
-        setPoint(out.points[size_t(k)], 0, azimuth, be16(packet, at), u8(packet, at + 2), trig.of(azimuth));
+    const PacketAngles<double>& angles = wren::packetAngles<double>(be16(packet, 5), be16(packet, 55));
+    // Every point is stored, under channel 0; its azimuths are doubles.
+    out.resize(wren::kGroups, true);
+    for (size_t k = 0; k < size_t(wren::kGroups); ++k) {
+        const int at = 7 + 3 * int(k);
+        setPoint(out, k, 0, angles.azimuths[k], be16(packet, at), u8(packet, at + 2), angles.trig[k]);
     }
 }
 

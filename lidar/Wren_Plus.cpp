@@ -15,18 +15,17 @@ void Wren_Plus::DecodePacket(Bytes packet, DecodedPacket& out)
     out.motorSpeed = motorSpeedFromPeriod(be16(packet, 3));
     out.hasAmbient = true;
     out.ambient = be16(packet, 103);
-    const auto angles = wren::groupAngles<float>(packet, 5, 105);
-    AzimuthTrig& trig = AzimuthTrig::forThisThread();
-    out.points.resize(2 * wren::kGroups);
-    PacketPoint* point = out.points.data();
+    const PacketAngles<float>& angles = wren::packetAngles<float>(be16(packet, 5), be16(packet, 105));
+    out.resize(2 * wren::kGroups, false);
+    size_t i = 0;
     for (int k = 0; k < wren::kGroups; ++k) {
-        const float azimuth = angles.at(k);
-        const SinCos t = trig.of(azimuth);
-        for (int channel = 0; channel < 2; ++channel, ++point) {
+        const float azimuth = angles.azimuths[size_t(k)];
+        const SinCos& t = angles.trig[size_t(k)];
+        for (int channel = 0; channel < 2; ++channel, ++i) {
             const int at = 7 + 6 * k + 3 * channel;
             const int32_t distance = be16(packet, at);
-            setPoint(*point, channel, azimuth, distance, u8(packet, at + 2), t);
-            point->keep = distance > 0;
+            setPoint(out, i, channel, azimuth, distance, u8(packet, at + 2), t);
+            out.kept[i] = distance > 0;
         }
     }
 }

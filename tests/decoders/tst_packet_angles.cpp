@@ -1,0 +1,185 @@
+// The decoders look a packet's azimuths, sines and cosines up in a table
+// of the packets they have met instead of computing them. For every start
+// code a packet can carry (and, for the Wren family, a spread of end
+// codes), every point each model decodes is checked bit for bit against the
+// azimuth and coordinates computed here from the packet layouts, with
+// std::sin and std::cos: met first in one order, then in another, so that
+// codes sharing a place in the table take it from each other.
+
+#include "PacketBuilders.h"
+#include "TernProtocol.h"
+#include "Tern.h"
+#include "Tern_GPS.h"
+#include "Tern_P.h"
+#include "Tern_Plus.h"
+#include "Wren_Kite.h"
+#include "Wren_Plus.h"
+
+#include <QtTest>
+#include <cmath>
+#include <cstring>
+
+using namespace testing;
+using lidar::decode::DecodedPacket;
+
+namespace {
+
+constexpr double kPi = 3.141592653589793;
+
+bool sameBits(float a, float b)
+{
+    return std::memcmp(&a, &b, sizeof a) == 0;
+}
+bool sameBits(double a, double b)
+{
+    return std::memcmp(&a, &b, sizeof a) == 0;
+}
+
+// Checks point i of `packet` against azimuth `azimuth` (the precision the
+// model computes in) and distance `distance`; empty when it matches.
+template <typename Azimuth>
+QString mismatch(const DecodedPacket& packet, size_t i, Azimuth azimuth, int distance)
+{
+    const double angle = double(azimuth) * kPi / 180.0;
+    const float x = static_cast<float>(std::sin(angle) * distance / 1000.0);
+    const float y = static_cast<float>(std::cos(angle) * distance / 1000.0);
+    const lidar::LidarPoint& p = packet.points[i];
+    if (sameBits(double(azimuth), packet.azimuths[i]) && sameBits(x, p.x) && sameBits(y, p.y) && p.distance == distance)
+        return {};
+    return QStringLiteral("point %1: azimuth %2 / %3, x %4 / %5, y %6 / %7")
+        .arg(i)
+        .arg(packet.azimuths[i], 0, 'g', 17)
+        .arg(double(azimuth), 0, 'g', 17)
+        .arg(double(p.x), 0, 'g', 9)
+        .arg(double(x), 0, 'g', 9)
+        .arg(double(p.y), 0, 'g', 9)
+        .arg(double(y), 0, 'g', 9);
+}
+
+QVector<uint16_t> wordsFor(int code, int n)
+{
+    QVector<uint16_t> words(n);
+    for (int w = 0; w < n; ++w)
+        words[w] = uint16_t(1 + (code * 7 + w * 131) % 30000);
+    return words;
+}
+
+// A Tern-family packet's points: 15 degrees spread over its points from
+// the start angle, in single precision.
+QString checkTern(const QString& model, int code, int words)
+{
+    const QVector<uint16_t> distances = wordsFor(code, words);
+    DecodedPacket packet;
+    if (model == "Tern")
+        Tern::DecodePacket(ternPacket(uint16_t(code), 4167, distances), packet);
+    else if (model == "Tern_GPS")
+        Tern_GPS::DecodePacket(ternGpsPacket(uint16_t(code), 4167, distances, GpsStamp()), packet);
+    else if (model == "Tern_P")
+        Tern_P::DecodePacket(ternLengthPacket(uint16_t(code), 4167, distances, GpsStamp()), 215, packet);
+    else
+        Tern_Plus::DecodePacket(ternLengthPacket(uint16_t(code), 4167, distances, GpsStamp()), packet);
+    // Tern and Tern_GPS drop the 41st word: the 40th is never zero here.
+    QVector<int> kept;
+    for (int w = 0; w < words; ++w)
+        if (!(w == 40 && (model == "Tern" || model == "Tern_GPS")))
+            kept << (model == "Tern_Plus" ? distances[w] : distances[w] & 0x7FFF);
+    if (packet.size() != size_t(kept.size()))
+        return QStringLiteral("%1 points, not %2").arg(packet.size()).arg(kept.size());
+    const float start = static_cast<float>(code / 100.0);
+    const float step = static_cast<float>(15.0 / kept.size());
+    for (int i = 0; i < kept.size(); ++i) {
+        const QString wrong = mismatch(packet, size_t(i), static_cast<float>(i) * step + start, kept[i]);
+        if (!wrong.isEmpty())
+            return wrong;
+    }
+    return {};
+}
+
+// A Wren-family packet's points: sixteen groups from the start to the end
+// azimuth, each reduced below 360, stepping over 0 when start > end.
+template <typename Azimuth>
+QString checkWren(const QString& model, int start, int end)
+{
+    DecodedPacket packet;
+    if (model == "Wren_Plus") {
+        QVector<WrenPlusGroup> groups;
+        for (int k = 0; k < 16; ++k)
+            groups << WrenPlusGroup{uint16_t(100 + k * 97 + start % 1000), 3, uint16_t(200 + k), 4};
+        Wren_Plus::DecodePacket(wrenPlusPacket(4167, uint16_t(start), uint16_t(end), groups), packet);
+    } else {
+        QVector<WrenKiteGroup> groups;
+        for (int k = 0; k < 16; ++k)
+            groups << WrenKiteGroup{uint16_t(100 + k * 97 + start % 1000), 3};
+        Wren_Kite::DecodePacket(wrenKitePacket(4167, uint16_t(start), uint16_t(end), groups), packet);
+    }
+    Azimuth first = Azimuth(start) / Azimuth(100), last = Azimuth(end) / Azimuth(100);
+    if (first > Azimuth(360))
+        first -= Azimuth(360);
+    if (last > Azimuth(360))
+        last -= Azimuth(360);
+    const Azimuth step = (first > last ? last + Azimuth(360) - first : last - first) / Azimuth(15);
+    const int channels = model == "Wren_Plus" ? 2 : 1;
+    for (int k = 0; k < 16; ++k) {
+        for (int c = 0; c < channels; ++c) {
+            const int distance = c == 0 ? 100 + k * 97 + start % 1000 : 200 + k;
+            const QString wrong = mismatch(packet, size_t(k * channels + c), first + Azimuth(k) * step, distance);
+            if (!wrong.isEmpty())
+                return wrong;
+        }
+    }
+    return {};
+}
+
+}  // namespace
+
+class PacketAnglesTest : public QObject {
+    Q_OBJECT
+private slots:
+    void everyStartCode_data();
+    void everyStartCode();
+};
+
+void PacketAnglesTest::everyStartCode_data()
+{
+    QTest::addColumn<QString>("model");
+    QTest::addColumn<int>("words");  // Tern family: distance words a packet carries
+    QTest::newRow("Tern") << "Tern" << 42;
+    QTest::newRow("Tern_GPS") << "Tern_GPS" << 42;
+    QTest::newRow("Tern_P, 42 words") << "Tern_P" << 42;
+    QTest::newRow("Tern_P, 7 words") << "Tern_P" << 7;
+    QTest::newRow("Tern_Plus, 42 words") << "Tern_Plus" << 42;
+    QTest::newRow("Tern_Plus, 120 words") << "Tern_Plus" << 120;
+    QTest::newRow("Wren_Plus") << "Wren_Plus" << 0;
+    QTest::newRow("Wren_Kite") << "Wren_Kite" << 0;
+}
+
+void PacketAnglesTest::everyStartCode()
+{
+    QFETCH(QString, model);
+    QFETCH(int, words);
+    const bool wren = model.startsWith("Wren");
+    // Up, then down with a stride: every code meets others in its place.
+    for (int pass = 0; pass < 2; ++pass) {
+        for (int n = 0; n < 65536; ++n) {
+            const int code = pass == 0 ? n : (65535 - n * 4099 % 65536 + 65536) % 65536;
+            QString wrong;
+            if (!wren) {
+                wrong = checkTern(model, code, words);
+            } else {
+                // A packet's usual span, one that crosses 0, and an end code
+                // of its own for every start code.
+                for (const int end : {(code + 800) % 65536, (code + 36000 - 50) % 65536, (code * 31 + 7) % 65536}) {
+                    wrong = model == "Wren_Plus" ? checkWren<float>(model, code, end)
+                                                 : checkWren<double>(model, code, end);
+                    if (!wrong.isEmpty())
+                        break;
+                }
+            }
+            if (!wrong.isEmpty())
+                QFAIL(qPrintable(QStringLiteral("start code %1: %2").arg(code).arg(wrong)));
+        }
+    }
+}
+
+QTEST_GUILESS_MAIN(PacketAnglesTest)
+#include "tst_packet_angles.moc"
