@@ -11,8 +11,8 @@ bool decodingSection(const QStringList& models);
 bool csvSection();
 bool recordingSection();
 
-// The child side of the player's parse figure: parses `fileName` through the
-// registry and prints what it found; returns the exit status.
+// The child side of the player's index figure: indexes `fileName` as the
+// player does and prints its memory and frames; returns the exit status.
 int parseAndReport(const QString& fileName);
 // The child that writes a ten-minute recording of `model`.
 int writeRecordingAndExit(const QString& model, const QString& fileName);

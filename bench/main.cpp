@@ -1,12 +1,12 @@
 // scandeck-bench: every speed and memory figure of the core, each beside a
 // plain read of the same bytes, so that the figures mean something on any
 // machine: decoding of every model live and offline, CSV writing, and
-// ten-minute recordings through scandeck-cli and the player's parse.
+// ten-minute recordings through scandeck-cli and the player's index.
 //
 //   scandeck-bench                 everything
 //   scandeck-bench --model <name>  one model's decoding only (for profiling)
 //   scandeck-bench --csv           CSV writing only
-//   scandeck-bench --parse <file>  (internal) the player's parse of one recording
+//   scandeck-bench --parse <file>  (internal) the player's index of one recording
 //   scandeck-bench --read <file>   (internal) a plain read of one file
 //   scandeck-bench --write <model> <file>  (internal) writes a ten-minute recording
 //   scandeck-bench --recordings    (internal) the recordings section alone

@@ -317,6 +317,19 @@ struct OfflineFrames {
     LidarDataPoint_V4 next;
     Previous previous = Previous(-1);
 
+    // Makes the unfinished turns hold copies of their points of exactly
+    // their size: a copy of the state shares its point lists with the
+    // original until either changes, and they carry room for a whole turn.
+    void compact()
+    {
+        for (LidarDataPoint_V4* frame : {&current, &next}) {
+            QMap<int32_t, std::vector<LidarPoint>> points;
+            for (auto line = frame->points.constBegin(); line != frame->points.constEnd(); ++line)
+                points.insert(line.key(), std::vector<LidarPoint>(line.value().begin(), line.value().end()));
+            frame->points = points;
+        }
+    }
+
     // Places a packet and appends every revolution it completes to `out`.
     template <typename Azimuth>
     void place(const DecodedPacket& packet, QVector<LidarDataPoint_V4>& out)

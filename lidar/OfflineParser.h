@@ -8,6 +8,7 @@
 // two packets goes on from there exactly as the original would, which is
 // what lets a long recording be decoded from the middle.
 
+#include "DecodeCommon.h"
 #include "LidarRecords.h"
 
 #include <QByteArray>
@@ -34,15 +35,21 @@ public:
 // thread that indexes a recording and the window's thread can both reach it.
 std::mutex& sharedOfflineParserMutex();
 
-// A model's parse over its OfflineState, a plain copyable value. The model
-// supplies:
+// A model's parse over its OfflineState, a plain copyable value whose
+// unfinished turns are its member `frames` (decode::OfflineFrames). The
+// model supplies:
 //   struct OfflineState;
 //   static void SetRecordPrefix(OfflineState&, const QVector<QByteArray>&);
 //   static bool AddRecordedPacket(OfflineState&, const QByteArray&, QVector<LidarDataPoint_V4>&);
 template <typename Model>
 class ModelOfflineParser final : public OfflineParser {
 public:
-    std::unique_ptr<OfflineParser> clone() const override { return std::make_unique<ModelOfflineParser>(*this); }
+    std::unique_ptr<OfflineParser> clone() const override
+    {
+        auto copy = std::make_unique<ModelOfflineParser>(*this);
+        copy->state_.frames.compact();
+        return copy;
+    }
     void assign(const OfflineParser& other) override
     {
         state_ = static_cast<const ModelOfflineParser&>(other).state_;

@@ -14,6 +14,7 @@
 #include "ScanDeck.h"
 #include "ShotSupport.h"
 #include "SimRecording.h"
+#include "SlowOfflineParser.h"
 #include "Wren_Plus.h"
 
 #include <QAbstractButton>
@@ -21,7 +22,7 @@
 #include <QDir>
 #include <QMouseEvent>
 #include <QScreen>
-#include <QProgressDialog>
+#include <QComboBox>
 #include <QStatusBar>
 #include <QTabWidget>
 #include <QTemporaryDir>
@@ -173,19 +174,15 @@ int main(int argc, char* argv[])
         demo.stop();
         shots::settle(300);
 
-        // The player opening ten minutes of a Wren_Plus, its parse slowed
-        // down here so that the progress dialog is on screen for the picture.
+        // The player opening an hour of a Wren_Plus, its index slowed down
+        // here so that the frame count is still growing in the picture.
         QTemporaryDir dir;
-        const QString recording = dir.filePath(QStringLiteral("Wren_Plus_10min.txt"));
+        const QString recording = dir.filePath(QStringLiteral("Wren_Plus_1h.txt"));
         sim::SimOptions options;
         options.model = sim::Model::Wren_Plus;
-        if (!sim::writeRecording(options, 6000, recording, &error))
+        if (!sim::writeRecording(options, 36000, recording, &error))
             return shots::fail(kTool, error);
-        LIdarFactory::GetInstance()->RegisterBatchParseFunction(
-            QStringLiteral("Wren_Plus"), [](const QVector<QByteArray>& packets, QVector<lidar::LidarDataPoint_V4>& frames) {
-                QThread::msleep(25);
-                return Wren_Plus::ParseRecordedBatch(packets, frames);
-            });
+        testing::SlowParsing slow(QStringLiteral("Wren_Plus"), 40);
         window.findChild<QTabWidget*>(QStringLiteral("tabWidget"))
             ->setCurrentWidget(window.findChild<QWidget*>(QStringLiteral("tab_offline")));
         auto* player = window.findChild<OffinePlayWidget*>(QStringLiteral("offline"));
@@ -193,14 +190,12 @@ int main(int argc, char* argv[])
         player->setMessageHook([](const QString& title, const QString& text) {
             shots::fail(kTool, title + ": " + text);
         });
-        QTimer::singleShot(1200, [&] {
-            auto* dialog = player->findChild<QProgressDialog*>();
-            if (dialog)
-                save(out.filePath(QStringLiteral("player-loading.png")), whole);
-        });
         click(window, "btn_open_file");
-        LIdarFactory::GetInstance()->RegisterBatchParseFunction(QStringLiteral("Wren_Plus"),
-                                                                &Wren_Plus::ParseRecordedBatch);
+        player->findChild<QComboBox*>(QStringLiteral("comboBox"))->setCurrentIndex(3);
+        click(window, "btn_play");
+        shots::settle(2500);
+        save(out.filePath(QStringLiteral("player-indexing.png")), whole);
+        player->stop();
         LIdarFactory::GetInstance()->Shutdown();
     }
     return failedPictures == 0 ? 0 : 1;
