@@ -2,9 +2,12 @@
 
 #include <vector>
 
-LiveFrameQueue::LiveFrameQueue(QObject* parent) : QObject(parent)
+LiveFrameQueue::LiveFrameQueue(QObject* parent, Clock clock) : QObject(parent), clock_(std::move(clock))
 {
-    clock_.start();
+    if (!clock_) {
+        elapsed_.start();
+        clock_ = [this] { return elapsed_.nsecsElapsed(); };
+    }
 }
 
 QMetaObject::Connection LiveFrameQueue::attach(LidarAnalysis* session)
@@ -40,7 +43,7 @@ qint64 LiveFrameQueue::lastWaitNs() const
 void LiveFrameQueue::take(const lidar::LidarDataPoint_V4& frame)
 {
     std::lock_guard<std::mutex> lock(mutex_);
-    waiting_.push_back({clock_.nsecsElapsed(), frame});
+    waiting_.push_back({clock_(), frame});
     if (!deliveryPosted_) {
         deliveryPosted_ = true;
         postDelivery();
@@ -64,15 +67,17 @@ void LiveFrameQueue::deliverNext()
             deliveryPosted_ = false;
             return;
         }
-        const qint64 newest = waiting_.back().arrivedNs;
-        while (waiting_.size() > 1 && newest - waiting_.front().arrivedNs > kMaxBacklogNs) {
-            skipped.push_back(std::move(waiting_.front().frame));
-            waiting_.pop_front();
+        const qint64 now = clock_();
+        if (now - waiting_.front().arrivedNs > kBehindNs) {
+            while (waiting_.size() > 1) {
+                skipped.push_back(std::move(waiting_.front().frame));
+                waiting_.pop_front();
+            }
         }
         skipped_ += skipped.size();
         skippedTotal = skipped_;
         next = std::move(waiting_.front().frame);
-        lastWaitNs_ = clock_.nsecsElapsed() - waiting_.front().arrivedNs;
+        lastWaitNs_ = now - waiting_.front().arrivedNs;
         waiting_.pop_front();
         more = !waiting_.empty();
         deliveryPosted_ = more;

@@ -5,11 +5,15 @@
 // so that timers, input and painting never wait behind a pile of frames.
 //
 // While drawing keeps up (the normal case) every frame is drawn, in order.
-// When drawing falls behind and more than a second's worth of frames waits,
-// the oldest waiting frames are skipped for the display and counted, so
-// memory and latency stay bounded. A skipped frame still goes out through
-// frameSkipped, for whatever must see every frame (the CSV export); the
-// recording is made from the packets and never depends on the display.
+// When drawing falls behind, a live view should show the newest revolution:
+// once the frame whose turn it is has waited longer than kBehindNs, every
+// waiting frame but the newest is skipped for the display and counted, so
+// what is drawn is at most about one drawing time old and no more than a
+// drawing time's worth of frames waits. Frames that merely arrive together
+// (the session's thread was held up for a moment) are all drawn. A skipped
+// frame still goes out through frameSkipped, for whatever must see every
+// frame (the CSV export); the recording is made from the packets and never
+// depends on the display.
 
 #include "LidarAnalysis.h"
 #include "LidarRecords.h"
@@ -17,15 +21,21 @@
 #include <QElapsedTimer>
 #include <QObject>
 #include <deque>
+#include <functional>
 #include <mutex>
 
 class LiveFrameQueue : public QObject {
     Q_OBJECT
 public:
-    // Frames older than the newest waiting one by more than this are skipped.
-    static constexpr qint64 kMaxBacklogNs = 1000000000;
+    // A frame that has waited this long when its turn comes shows that
+    // drawing has fallen behind: well under a revolution at the normal
+    // rate, and above the moment two frames that arrive together wait.
+    static constexpr qint64 kBehindNs = 50000000;
+    // Nanoseconds on a clock that never goes back.
+    using Clock = std::function<qint64()>;
 
-    explicit LiveFrameQueue(QObject* parent = nullptr);
+    // An empty clock uses a monotonic system clock; tests inject their own.
+    explicit LiveFrameQueue(QObject* parent = nullptr, Clock clock = Clock());
 
     // Takes `session`'s frames from now on, on the session's own thread, and
     // starts the skipped count afresh. Disconnect the returned connection to
@@ -56,5 +66,6 @@ private:
     bool deliveryPosted_ = false;
     quint64 skipped_ = 0;
     qint64 lastWaitNs_ = 0;
-    QElapsedTimer clock_;
+    QElapsedTimer elapsed_;
+    Clock clock_;
 };
