@@ -15,6 +15,7 @@ QMetaObject::Connection LiveFrameQueue::attach(LidarAnalysis* session)
     {
         std::lock_guard<std::mutex> lock(mutex_);
         skipped_ = 0;
+        drawing_.clear();  // another lidar, perhaps another size of frame
     }
     emit skippedFramesChanged(0);
     return connect(
@@ -68,7 +69,8 @@ void LiveFrameQueue::deliverNext()
             return;
         }
         const qint64 now = clock_();
-        if (now - waiting_.front().arrivedNs > kBehindNs) {
+        const qint64 putOffNs = qint64(waiting_.size() - 1) * drawing_.typicalNs();
+        if (drawing_.known() && putOffNs > kBehindNs) {
             while (waiting_.size() > 1) {
                 skipped.push_back(std::move(waiting_.front().frame));
                 waiting_.pop_front();
@@ -86,7 +88,12 @@ void LiveFrameQueue::deliverNext()
         emit frameSkipped(frame);
     if (!skipped.empty())
         emit skippedFramesChanged(skippedTotal);
+    const qint64 drawingFrom = clock_();
     emit frameReady(std::move(next));
+    {
+        std::lock_guard<std::mutex> lock(mutex_);
+        drawing_.add(clock_() - drawingFrom);
+    }
     // After the drawing: whatever else waits in the event loop goes first.
     if (more)
         postDelivery();

@@ -6,15 +6,17 @@
 //
 // While drawing keeps up (the normal case) every frame is drawn, in order.
 // When drawing falls behind, a live view should show the newest revolution:
-// once the frame whose turn it is has waited longer than kBehindNs, every
-// waiting frame but the newest is skipped for the display and counted, so
-// what is drawn is at most about one drawing time old and no more than a
-// drawing time's worth of frames waits. Frames that merely arrive together
-// (the session's thread was held up for a moment) are all drawn. A skipped
-// frame still goes out through frameSkipped, for whatever must see every
-// frame (the CSV export); the recording is made from the packets and never
-// depends on the display.
+// once drawing the waiting frames in turn would put off the newest by more
+// than kBehindNs (their number times the typical drawing time), every
+// waiting frame but the newest is skipped for the display and counted. What
+// is drawn is then about one drawing time old, and no more than a drawing
+// time's worth of frames waits. A few frames that wait behind one slow
+// drawing (the first after connecting) are all drawn. A skipped frame still
+// goes out through frameSkipped, for whatever must see every frame (the CSV
+// export); the recording is made from the packets and never depends on the
+// display.
 
+#include "DrawingTime.h"
 #include "LidarAnalysis.h"
 #include "LidarRecords.h"
 
@@ -27,9 +29,9 @@
 class LiveFrameQueue : public QObject {
     Q_OBJECT
 public:
-    // A frame that has waited this long when its turn comes shows that
-    // drawing has fallen behind: well under a revolution at the normal
-    // rate, and above the moment two frames that arrive together wait.
+    // How much later than at once the newest waiting frame may be drawn
+    // before the older ones are skipped: well under a revolution at the
+    // normal rate.
     static constexpr qint64 kBehindNs = 50000000;
     // Nanoseconds on a clock that never goes back.
     using Clock = std::function<qint64()>;
@@ -66,6 +68,7 @@ private:
     bool deliveryPosted_ = false;
     quint64 skipped_ = 0;
     qint64 lastWaitNs_ = 0;
+    DrawingTime drawing_;
     QElapsedTimer elapsed_;
     Clock clock_;
 };

@@ -4,6 +4,7 @@
 // wrapper around the system's calls.
 
 #include "AtomicFileWrite.h"
+#include "CloudFileWriter.h"
 #include "FileSync.h"
 #include "PacketBuilders.h"
 #include "PeriodicSync.h"
@@ -89,6 +90,8 @@ private slots:
     void sessionSyncsBeforeReportingTheFileSaved();
     void fileAppearsOnlyComplete_data();
     void fileAppearsOnlyComplete();
+    void cloudFilesAreOnTheDiskWhenEnded_data();
+    void cloudFilesAreOnTheDiskWhenEnded();
 
 private:
     QTemporaryDir dir_;
@@ -281,6 +284,47 @@ void FileSyncTest::fileAppearsOnlyComplete()
     QCOMPARE(callsSoFar(), expectedCalls);
     QCOMPARE(readAll(path), ending == QLatin1String("commit") ? QByteArray("new, whole\n") : before);
     QVERIFY(!QFile::exists(path + QStringLiteral(".part")));
+}
+
+void FileSyncTest::cloudFilesAreOnTheDiskWhenEnded_data()
+{
+    QTest::addColumn<int>("format");
+    QTest::addColumn<bool>("merge");
+    QTest::addColumn<QByteArray>("expectedCalls");
+    // Each frame's file, then the folder's entries and the folder's own name.
+    QTest::newRow("pcd, a file per frame") << int(cloudfile::Format::Pcd) << false << QByteArray("dddff");
+    QTest::newRow("ply, a file per frame") << int(cloudfile::Format::Ply) << false << QByteArray("dddff");
+    QTest::newRow("pcd, one file") << int(cloudfile::Format::Pcd) << true << QByteArray("df");
+    QTest::newRow("ply, one file") << int(cloudfile::Format::Ply) << true << QByteArray("df");
+}
+
+void FileSyncTest::cloudFilesAreOnTheDiskWhenEnded()
+{
+    QFETCH(int, format);
+    QFETCH(bool, merge);
+    QFETCH(QByteArray, expectedCalls);
+    cloudfile::Options options;
+    options.format = cloudfile::Format(format);
+    options.merge = merge;
+    options.output = dir_.filePath(QStringLiteral("cloud-%1").arg(QTest::currentDataTag()).replace(' ', '_'));
+    const std::unique_ptr<FrameWriter> writer = cloudfile::makeWriter(options);
+    lidar::LidarDataPoint_V4 frame;
+    lidar::LidarPoint point;
+    point.x = 1.0f;
+    point.azimuth = 90.0f;
+    point.distance = 1000;
+    frame.points[0].push_back(point);
+    QString error;
+    QVERIFY(writer->begin(error));
+    for (int number = 1; number <= 3; ++number)
+        QVERIFY2(writer->frame(number, frame, error), qPrintable(error));
+    QCOMPARE(callsSoFar(), QByteArray());  // nothing is synced frame by frame
+    if (merge)
+        QVERIFY(!QFile::exists(options.output));
+    QVERIFY2(writer->end(error), qPrintable(error));
+    QCOMPARE(callsSoFar(), expectedCalls);
+    QVERIFY(QFileInfo::exists(merge ? options.output : QDir(options.output).filePath(cloudfile::frameFileName(options.format, 3))));
+    QVERIFY(!QFile::exists(options.output + QStringLiteral(".part")));
 }
 
 QTEST_GUILESS_MAIN(FileSyncTest)
