@@ -2,9 +2,12 @@
 
 #include <vector>
 
-LiveFrameQueue::LiveFrameQueue(QObject* parent) : QObject(parent)
+LiveFrameQueue::LiveFrameQueue(QObject* parent, Clock clock) : QObject(parent), clock_(std::move(clock))
 {
-    clock_.start();
+    if (!clock_) {
+        elapsed_.start();
+        clock_ = [this] { return elapsed_.nsecsElapsed(); };
+    }
 }
 
 QMetaObject::Connection LiveFrameQueue::attach(LidarAnalysis* session)
@@ -12,6 +15,7 @@ QMetaObject::Connection LiveFrameQueue::attach(LidarAnalysis* session)
     {
         std::lock_guard<std::mutex> lock(mutex_);
         skipped_ = 0;
+        drawing_.clear();  // another lidar, perhaps another size of frame
     }
     emit skippedFramesChanged(0);
     return connect(
@@ -40,7 +44,7 @@ qint64 LiveFrameQueue::lastWaitNs() const
 void LiveFrameQueue::take(const lidar::LidarDataPoint_V4& frame)
 {
     std::lock_guard<std::mutex> lock(mutex_);
-    waiting_.push_back({clock_.nsecsElapsed(), frame});
+    waiting_.push_back({clock_(), frame});
     if (!deliveryPosted_) {
         deliveryPosted_ = true;
         postDelivery();
@@ -64,15 +68,18 @@ void LiveFrameQueue::deliverNext()
             deliveryPosted_ = false;
             return;
         }
-        const qint64 newest = waiting_.back().arrivedNs;
-        while (waiting_.size() > 1 && newest - waiting_.front().arrivedNs > kMaxBacklogNs) {
-            skipped.push_back(std::move(waiting_.front().frame));
-            waiting_.pop_front();
+        const qint64 now = clock_();
+        const qint64 putOffNs = qint64(waiting_.size() - 1) * drawing_.typicalNs();
+        if (drawing_.known() && putOffNs > kBehindNs) {
+            while (waiting_.size() > 1) {
+                skipped.push_back(std::move(waiting_.front().frame));
+                waiting_.pop_front();
+            }
         }
         skipped_ += skipped.size();
         skippedTotal = skipped_;
         next = std::move(waiting_.front().frame);
-        lastWaitNs_ = clock_.nsecsElapsed() - waiting_.front().arrivedNs;
+        lastWaitNs_ = now - waiting_.front().arrivedNs;
         waiting_.pop_front();
         more = !waiting_.empty();
         deliveryPosted_ = more;
@@ -81,7 +88,12 @@ void LiveFrameQueue::deliverNext()
         emit frameSkipped(frame);
     if (!skipped.empty())
         emit skippedFramesChanged(skippedTotal);
+    const qint64 drawingFrom = clock_();
     emit frameReady(std::move(next));
+    {
+        std::lock_guard<std::mutex> lock(mutex_);
+        drawing_.add(clock_() - drawingFrom);
+    }
     // After the drawing: whatever else waits in the event loop goes first.
     if (more)
         postDelivery();

@@ -85,7 +85,9 @@ void ScanDeck::writeCsvFrame(const lidar::LidarDataPoint_V4& frame)
         return;
     m_progressBar->hide();
     const QString path = m_csvExport.path();
-    if (ui->offline->isLoaded())
+    if (!m_csvExport.saveError().isEmpty())
+        emit SendMessageSignal(tr("File save failed!"));
+    else if (ui->offline->isLoaded())
         emit ui->offline->SendEndSaveDataSignal(path);
     else
         emit SendEndSaveDataSignal(path);

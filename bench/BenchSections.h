@@ -10,6 +10,8 @@ namespace bench {
 bool decodingSection(const QStringList& models);
 bool csvSection();
 bool recordingSection();
+// Decoding while recording, with and without the file kept on the disk.
+bool recordingSyncSection(const QStringList& models);
 
 // The child side of the player's index figure: indexes `fileName` as the
 // player does and prints its memory and frames; returns the exit status.

@@ -6,6 +6,7 @@
 //   scandeck-bench                 everything
 //   scandeck-bench --model <name>  one model's decoding only (for profiling)
 //   scandeck-bench --csv           CSV writing only
+//   scandeck-bench --recording-sync  decoding while recording, synced or not
 //   scandeck-bench --parse <file>  (internal) the player's index of one recording
 //   scandeck-bench --read <file>   (internal) a plain read of one file
 //   scandeck-bench --write <model> <file>  (internal) writes a ten-minute recording
@@ -39,10 +40,13 @@ int main(int argc, char* argv[])
     bool allMet = true;
     if (args.size() == 2 && args[1] == QLatin1String("--csv")) {
         allMet = bench::csvSection();
+    } else if (args.size() == 2 && args[1] == QLatin1String("--recording-sync")) {
+        allMet = bench::recordingSyncSection({"Tern", "Wren_Plus"});
     } else if (args.size() == 3 && args[1] == QLatin1String("--model")) {
         allMet = bench::decodingSection({args[2]});
     } else {
         allMet = bench::decodingSection(LIdarFactory::GetInstance()->ModelNames());
+        allMet = bench::recordingSyncSection({"Tern", "Wren_Plus"}) && allMet;
         allMet = bench::csvSection() && allMet;
         allMet = bench::recordingSection() && allMet;
     }

@@ -134,12 +134,10 @@ bool CsvOutput::open(const QString& path, QString& error)
         }
         device = stdout_.get();
     } else {
-        file_ = std::make_unique<QSaveFile>(path);
-        if (!file_->open(QIODevice::WriteOnly)) {
-            error = file_->errorString();
+        file_ = std::make_unique<lidar::AtomicFileWrite>(path);
+        if (!file_->open(&error))
             return false;
-        }
-        device = file_.get();
+        device = &file_->file();
     }
     writer_ = std::make_unique<CsvWriter>(device);
     writer_->writeHeader();
@@ -160,23 +158,16 @@ bool CsvOutput::finish(QString& error)
         return written;
     }
     if (!written) {
-        file_->cancelWriting();
-        file_->commit();
+        file_->discard();
         return false;
     }
-    if (!file_->commit()) {
-        error = file_->errorString();
-        return false;
-    }
-    return true;
+    return file_->commit(&error);
 }
 
 void CsvOutput::discard()
 {
     writer_.reset();
-    if (file_)
-        file_->cancelWriting();
-    file_.reset();  // a cancelled save file removes its temporary file
+    file_.reset();  // an uncommitted file removes its temporary file
     stdout_.reset();
 }
 

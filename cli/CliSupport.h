@@ -2,10 +2,10 @@
 // What the commands of scandeck-cli share: one-line messages on stderr,
 // exit codes, argument conversions and the CSV output file.
 
+#include "AtomicFileWrite.h"
 #include "CsvWriter.h"
 
 #include <QFile>
-#include <QSaveFile>
 #include <QString>
 #include <QStringList>
 #include <memory>
@@ -42,19 +42,20 @@ QString modelList();
 // "<ip>:<port>" with an IPv4 or IPv6 (in brackets) address and a port 1..65535.
 bool toEndpoint(const QString& text, QString& ip, quint16& port);
 
-// A CSV file (or stdout for "-") that appears only complete: the file is
-// written under a temporary name and renamed by finish().
+// A CSV file (or stdout for "-") that appears only complete and on the
+// disk: the file is written under a temporary name, and finish() syncs it,
+// renames it and syncs its folder.
 class CsvOutput {
 public:
     bool open(const QString& path, QString& error);
     CsvWriter& writer() { return *writer_; }
-    bool finish(QString& error);  // flush and commit
+    bool finish(QString& error);  // flush, sync and commit
     void discard();               // leave no file behind
     QString path() const { return path_; }
 
 private:
     QString path_;
-    std::unique_ptr<QSaveFile> file_;
+    std::unique_ptr<lidar::AtomicFileWrite> file_;
     std::unique_ptr<QFile> stdout_;
     std::unique_ptr<CsvWriter> writer_;
 };

@@ -1,6 +1,8 @@
 #include "CloudFileWriter.h"
 
+#include "AtomicFileWrite.h"
 #include "CloudPoint.h"
+#include "FileSync.h"
 
 #include <QDir>
 #include <QFile>
@@ -10,6 +12,7 @@
 #include <pcl/io/ply_io.h>
 
 #include <fstream>
+#include <memory>
 
 namespace cloudfile {
 namespace {
@@ -28,7 +31,6 @@ template <typename PointT>
 class CloudWriter : public FrameWriter {
 public:
     explicit CloudWriter(Options options) : options_(std::move(options)) {}
-    ~CloudWriter() override { removePart(); }
 
     bool begin(QString& error) override
     {
@@ -45,30 +47,35 @@ public:
         append(number, frame);
         if (options_.merge)
             return true;
-        return save(QDir(options_.output).filePath(frameFileName(options_.format, number)), error);
+        const QString path = QDir(options_.output).filePath(frameFileName(options_.format, number));
+        if (!save(path, error))
+            return false;
+        unsynced_.append(path);
+        return true;
     }
 
     bool end(QString& error) override
     {
-        if (!options_.merge)
-            return true;
-        // Written under a temporary name: the file appears only complete.
-        part_ = options_.output + QStringLiteral(".part");
-        if (!save(part_, error))
-            return false;
-        QFile::remove(options_.output);
-        if (!QFile::rename(part_, options_.output)) {
-            error = QStringLiteral("cannot rename %1 to %2").arg(part_, options_.output);
-            return false;
+        if (!options_.merge) {
+            // Synced together at the end: the disk is asked once per file,
+            // after the system has had time to write most of them already.
+            for (const QString& path : unsynced_)
+                if (!lidar::filesync::syncFile(path, &error))
+                    return false;
+            unsynced_.clear();
+            // The files' names, and the folder's own in case it was made.
+            return lidar::filesync::syncFolder(options_.output, &error)
+                   && lidar::filesync::syncFolderOf(options_.output, &error);
         }
-        part_.clear();
-        return true;
+        part_ = std::make_unique<lidar::AtomicFileWrite>(options_.output);
+        return save(part_->temporaryPath(), error) && part_->commit(&error);
     }
 
     void discard() override
     {
-        removePart();
+        part_.reset();  // a file not committed is removed
         cloud_.clear();
+        unsynced_.clear();
     }
 
 private:
@@ -132,16 +139,10 @@ private:
                               : writer.writeBinary(file, blob, origin, orientation, true);
     }
 
-    void removePart()
-    {
-        if (!part_.isEmpty())
-            QFile::remove(part_);
-        part_.clear();
-    }
-
     Options options_;
     pcl::PointCloud<PointT> cloud_;
-    QString part_;
+    std::unique_ptr<lidar::AtomicFileWrite> part_;
+    QStringList unsynced_;  // frame files written, not yet synced
 };
 
 }  // namespace

@@ -2,7 +2,8 @@
 // Frames as PCD or PLY files, written with PCL's own I/O: one file per frame
 // into a folder ("frame_000001.pcd", ...), or all frames as one cloud in one
 // file. PCD is binary unless ASCII is asked for; PLY is binary little-endian
-// or ASCII. A single file appears only once it is complete.
+// or ASCII. A single file appears only once it is complete; every file is
+// on the disk, with its folder, once end() has returned true.
 
 #include "FrameWriter.h"
 

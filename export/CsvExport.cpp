@@ -10,12 +10,15 @@ CsvExport::~CsvExport()
 bool CsvExport::start(const QString& path, int frameLimit, float startAngle, float endAngle)
 {
     close();
-    file_.setFileName(path);
-    const bool opened = file_.open(QIODevice::WriteOnly | QIODevice::Truncate);
+    saveError_.clear();
+    file_ = std::make_unique<lidar::AtomicFileWrite>(path);
+    const bool opened = file_->open() && sync_.start(int(file_->file().handle()), file_->temporaryPath());
     if (opened) {
-        writer_ = std::make_unique<CsvWriter>(&file_);
+        writer_ = std::make_unique<CsvWriter>(&file_->file());
         writer_->setAngleRange(startAngle, endAngle);
         writer_->writeHeader();
+    } else {
+        file_.reset();
     }
     path_ = path;
     framesWritten_ = 0;
@@ -47,6 +50,7 @@ CsvExport::Step CsvExport::frameShown(const lidar::LidarDataPoint_V4& frame,
                 lineWritten(progress);
         }
     }
+    sync_.wrote(quint64(file_->file().pos()));
     return Step::Written;
 }
 
@@ -59,19 +63,21 @@ void CsvExport::finish()
 void CsvExport::cancel()
 {
     active_ = false;
-    const bool opened = writer_ != nullptr;
+    sync_.stop();
     writer_.reset();  // nothing pending is worth writing any more
-    file_.close();
-    // Only a file this export made: one it could not open is not ours to delete.
-    if (opened)
-        QFile::remove(path_);
+    file_.reset();    // and the part written so far goes
 }
 
 void CsvExport::close()
 {
-    if (writer_)
-        writer_->flush();
+    sync_.stop();
+    if (!file_)
+        return;
+    const bool written = writer_->flush();
+    if (!written)
+        saveError_ = writer_->errorString();
     writer_.reset();
-    if (file_.isOpen())
-        file_.close();
+    if (written)
+        file_->commit(&saveError_);
+    file_.reset();  // an uncommitted part is removed
 }

@@ -4,11 +4,18 @@
 // convert', so both write the same bytes for the same frames. The end is
 // noticed when the frame after the last one arrives; that frame is not
 // written.
+//
+// The file is written under a temporary name and appears under its own only
+// when the export ends, synced to the disk with its folder. While it runs,
+// a thread of its own syncs what was written twice a second, so that the
+// last sync, on the window's thread, has little left to do.
 
 #include "CsvWriter.h"
 #include "LidarRecords.h"
 
-#include <QFile>
+#include "AtomicFileWrite.h"
+#include "PeriodicSync.h"
+
 #include <QString>
 #include <functional>
 #include <memory>
@@ -18,7 +25,7 @@ public:
     enum class Step { Written, Finished };
 
     CsvExport();
-    // A file still open is flushed and closed, and kept.
+    // A file still open is completed and kept.
     ~CsvExport();
 
     // Opens the file (truncating it) and writes the header. false when it
@@ -31,7 +38,8 @@ public:
 
     // One frame shown: counted, then written line by line (`lineWritten`
     // gets frames written / frame limit after each line) or, once the
-    // count passes the limit, not written: the export ends, file closed.
+    // count passes the limit, not written: the export ends, the file is
+    // completed (saveError() says why when it could not be).
     Step frameShown(const lidar::LidarDataPoint_V4& frame, const std::function<void(float progress)>& lineWritten);
 
     // Ends the export and keeps what was written (the window is closing).
@@ -42,11 +50,16 @@ public:
     QString path() const { return path_; }
     int framesWritten() const { return framesWritten_; }
     int frameLimit() const { return frameLimit_; }
+    // Why the file of the last export that ended could not be completed;
+    // empty when it was (or when it never opened).
+    QString saveError() const { return saveError_; }
 
 private:
     void close();
 
-    QFile file_;
+    std::unique_ptr<lidar::AtomicFileWrite> file_;
+    lidar::PeriodicSync sync_;
+    QString saveError_;
     std::unique_ptr<CsvWriter> writer_;
     bool active_ = false;
     int framesWritten_ = 0;

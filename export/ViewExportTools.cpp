@@ -1,5 +1,6 @@
 #include "ViewExportTools.h"
 
+#include "AtomicFileWrite.h"
 #include "UserMessages.h"
 
 #include <QAction>
@@ -102,7 +103,8 @@ bool ViewExportTools::saveViewImage(const QString& path)
 {
     // The frame buffer as drawn: the view's size times the screen's pixel ratio.
     const QImage image = view_->grabFramebuffer();
-    if (image.isNull() || !image.save(path, "PNG")) {
+    lidar::AtomicFileWrite file(path);
+    if (image.isNull() || !file.open() || !image.save(&file.file(), "PNG") || !file.commit()) {
         usermessages::warning(window_, tr("warning"), tr("File save failed!"));
         return false;
     }

@@ -46,7 +46,9 @@ public:
     // Recording runs on the session's own thread, where the packets are cut:
     // called from another thread, both wait there until it is done.
     // StartSaveData writes the file's header at once; each packet follows
-    // as it is cut; EndSaveData writes the element count and reports
+    // as it is cut (and reaches the disk within about a second, synced by a
+    // thread of the writer's own); EndSaveData writes the element count,
+    // syncs the file and its folder and then reports
     // SendEndSaveDataSignal. When a write fails (a full disk) the recording
     // stops at once, keeps the packets written before, and says so through
     // SendMessageSignal; saveError tells the reason until the next start.

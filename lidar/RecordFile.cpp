@@ -1,5 +1,6 @@
 #include "RecordFile.h"
 
+#include "FileSync.h"
 #include "RecordReader.h"
 
 #include <QDataStream>
@@ -101,6 +102,10 @@ qint64 repairRecordFile(const QString& fileName, QString* error)
     if (!file.open(QIODevice::ReadWrite) || !file.resize(layout.completeEnd) || !file.seek(0)
         || file.write(count, 4) != 4 || !file.flush())
         return failed(file.errorString());
+    // Repaired on the disk, not only in the page cache, before it says so.
+    QString why;
+    if (!filesync::syncData(int(file.handle()), &why))
+        return failed(why);
     return layout.complete;
 }
 

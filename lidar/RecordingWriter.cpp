@@ -1,7 +1,9 @@
 #include "RecordingWriter.h"
 
+#include "AtomicFileWrite.h"
+#include "FileSync.h"
+
 #include <QFile>
-#include <QSaveFile>
 #include <QtEndian>
 
 namespace lidar {
@@ -30,8 +32,9 @@ QByteArray encodeElements(const QVector<QByteArray>& elements)
 
 }  // namespace
 
-bool RecordingWriter::start(const QString& fileName, const QVector<QByteArray>& header)
+bool RecordingWriter::start(const QString& fileName, const QVector<QByteArray>& header, int syncIntervalMs)
 {
+    sync_.stop();
     if (file_.isOpen())
         file_.close();
     header_ = header;
@@ -49,10 +52,16 @@ bool RecordingWriter::start(const QString& fileName, const QVector<QByteArray>& 
         error_ = file_.errorString();
         return false;
     }
+    if (!sync_.start(int(file_.handle()), fileName, syncIntervalMs)) {
+        error_ = QStringLiteral("cannot keep %1 on the disk").arg(fileName);
+        file_.close();
+        return false;
+    }
     open_ = true;
     appendBe32(pending_, kUnfinishedCount);
     pending_.append(encodeElements(header));
     if (!writePending()) {
+        sync_.stop();
         file_.close();
         open_ = false;
         return false;
@@ -89,6 +98,10 @@ bool RecordingWriter::writePending()
     pendingPackets_ = 0;
     pending_.resize(0);  // the reserved capacity stays
     publishCounts();
+    sync_.wrote(quint64(written_));
+    // The disk refused what was written before (an I/O error): it is lost.
+    if (sync_.failed())
+        return fail(sync_.errorString());
     return true;
 }
 
@@ -100,8 +113,13 @@ void RecordingWriter::publishCounts()
 
 bool RecordingWriter::fail()
 {
+    return fail(file_.errorString());
+}
+
+bool RecordingWriter::fail(const QString& error)
+{
     failed_ = true;
-    error_ = file_.errorString();
+    error_ = error;
     pending_.resize(0);
     pendingPackets_ = 0;
     publishCounts();
@@ -113,6 +131,7 @@ bool RecordingWriter::finish(const QVector<QByteArray>& header)
     if (!open_)
         return false;
     open_ = false;
+    sync_.stop();
     writePending();
     // A write that failed half-way leaves part of an element behind.
     if (failed_)
@@ -133,8 +152,21 @@ bool RecordingWriter::finish(const QVector<QByteArray>& header)
         failed_ = true;
         error_ = file_.errorString();
     }
+    // Also after a failure: what was kept is worth having on the disk.
+    const bool synced = syncAndClose();
+    return !failed_ && synced;
+}
+
+bool RecordingWriter::syncAndClose()
+{
+    QString error;
+    const bool ok = filesync::syncData(int(file_.handle()), &error) && filesync::syncFolderOf(file_.fileName(), &error);
     file_.close();
-    return !failed_;
+    if (!ok && !failed_) {
+        failed_ = true;
+        error_ = error;
+    }
+    return ok;
 }
 
 // The header's length changed (a Tern_P firmware version read during the
@@ -145,20 +177,23 @@ bool RecordingWriter::replaceHeader(const QVector<QByteArray>& header)
     const QString fileName = file_.fileName();
     const qint64 packetsAt = 4 + encodeElements(header_).size();
     QFile in(fileName);
-    QSaveFile out(fileName);
+    AtomicFileWrite out(fileName);
     QByteArray head;
     appendBe32(head, quint32(header.size()) + writtenPackets_);
     head.append(encodeElements(header));
-    bool ok = in.open(QIODevice::ReadOnly) && in.seek(packetsAt) && out.open(QIODevice::WriteOnly)
-              && out.write(head) == head.size();
+    QString error;
+    bool ok = in.open(QIODevice::ReadOnly) && in.seek(packetsAt) && out.open(&error)
+              && out.file().write(head) == head.size();
     while (ok && !in.atEnd()) {
         const QByteArray chunk = in.read(1 << 20);
-        ok = !chunk.isEmpty() && out.write(chunk) == chunk.size();
+        ok = !chunk.isEmpty() && out.file().write(chunk) == chunk.size();
     }
-    ok = ok && out.commit();
+    if (!ok && error.isEmpty())
+        error = out.file().error() != QFileDevice::NoError ? out.file().errorString() : in.errorString();
+    ok = ok && out.commit(&error);
     if (!ok) {
         failed_ = true;
-        error_ = out.error() != QFileDevice::NoError ? out.errorString() : in.errorString();
+        error_ = error;
         return false;
     }
     return true;
