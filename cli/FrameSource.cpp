@@ -4,6 +4,7 @@
 #include "CliSupport.h"
 #include "LIdarFactory.h"
 #include "RecordFile.h"
+#include "RecordReader.h"
 #include "RecordingCheck.h"
 #include "RecordingHeader.h"
 #include "RecordingStream.h"
@@ -11,6 +12,7 @@
 
 #include <QCommandLineParser>
 #include <QDateTime>
+#include <QFile>
 
 namespace cli {
 namespace {
@@ -24,7 +26,10 @@ QString knownModels()
 // frame; what 'info' tells about its packets is gathered on the same pass.
 class RecordingSource : public FrameSource {
 public:
-    explicit RecordingSource(std::unique_ptr<lidar::RecordingStream> stream) : stream_(std::move(stream)) {}
+    RecordingSource(QString path, std::unique_ptr<lidar::RecordingStream> stream)
+        : path_(std::move(path)), stream_(std::move(stream))
+    {
+    }
 
     QString model() const override { return stream_->model(); }
 
@@ -52,6 +57,31 @@ public:
             lines << QStringLiteral("version number:    %1").arg(QString::fromLatin1(stream_->versionElement()));
         lines << QStringLiteral("packets:           %1").arg(stream_->packets());
         return lines;
+    }
+
+    double fractionRead() const override
+    {
+        return stream_->fileSize() > 0 ? double(stream_->bytesRead()) / double(stream_->fileSize()) : 1.0;
+    }
+
+    // The packets are read as they are, without decoding them: the offline
+    // decoders keep state from one call to the next.
+    lidar::ScanGeometry scanGeometry() const override
+    {
+        QFile file(path_);
+        if (!file.open(QIODevice::ReadOnly))
+            return {};
+        lidar::RecordReader reader(file, kProbePieceSize);
+        QByteArray element;
+        for (int skip = 1 + lidar::recordPrefixElements(model()); skip > 0; --skip)
+            if (!reader.next(element))
+                return {};
+        while (reader.next(element)) {
+            const lidar::ScanGeometry geometry = lidar::scanGeometry(model(), element);
+            if (geometry.isValid())
+                return geometry;
+        }
+        return {};
     }
 
     QStringList times() const override
@@ -87,6 +117,9 @@ private:
         return lidar::tern::dateTimeText(lidar::tern::readCalendar(packet, calendarOffset(packet)));
     }
 
+    static constexpr int kProbePieceSize = 64 * 1024;
+
+    QString path_;
     std::unique_ptr<lidar::RecordingStream> stream_;
     QByteArray first_, last_;  // the first and last data packets with a calendar time
 };
@@ -104,7 +137,9 @@ public:
 
     bool run(const FrameSink& sink, QString& error) override
     {
-        result_ = capture::readCaptureFrames(path_, options_, sink);
+        result_ = capture::readCaptureFrames(path_, options_, sink, [this](qint64 read, qint64 size) {
+            fraction_ = size > 0 ? double(read) / double(size) : 1.0;
+        });
         if (!result_.ok)
             error = result_.error;
         return result_.ok;
@@ -135,10 +170,30 @@ public:
 
     QStringList warnings() const override { return result_.warnings; }
 
+    double fractionRead() const override { return fraction_; }
+
+    // A datagram usually carries one packet; one that carries several is
+    // looked at from each header in it.
+    lidar::ScanGeometry scanGeometry() const override
+    {
+        capture::CaptureFile file;
+        if (!file.open(path_))
+            return {};
+        lidar::ScanGeometry geometry;
+        file.readDatagrams(options_.port, [&](const QByteArray& payload) {
+            for (int at = payload.indexOf(lidar::decode::kHeader); at >= 0 && !geometry.isValid();
+                 at = payload.indexOf(lidar::decode::kHeader, at + 1))
+                geometry = lidar::scanGeometry(options_.model, at == 0 ? payload : payload.mid(at));
+            return !geometry.isValid();
+        });
+        return geometry;
+    }
+
 private:
     QString path_;
     capture::CaptureOptions options_;
     capture::CaptureFramesResult result_;
+    double fraction_ = 0.0;
 };
 
 }  // namespace
@@ -174,7 +229,7 @@ std::unique_ptr<FrameSource> openFrameSource(const QString& path, const SourceOp
         error = QStringLiteral("%1: the recording is of model %2, not %3").arg(path, stream->model(), options.model);
         return nullptr;
     }
-    return std::make_unique<RecordingSource>(std::move(stream));
+    return std::make_unique<RecordingSource>(path, std::move(stream));
 }
 
 }  // namespace cli

@@ -86,6 +86,7 @@ bool CaptureFile::open(const QString& path)
         return false;
     }
     const QByteArray head = file.read(4);
+    size_ = file.size();
     file.close();
     char errorText[PCAP_ERRBUF_SIZE] = {};
     pcap* handle = pcap_open_offline_with_tstamp_precision(QFile::encodeName(path).constData(),
@@ -96,6 +97,7 @@ bool CaptureFile::open(const QString& path)
 bool CaptureFile::openBytes(const QByteArray& bytes)
 {
     memory_ = bytes;
+    size_ = bytes.size();
     char errorText[PCAP_ERRBUF_SIZE] = {};
     pcap* handle = nullptr;
     // fmemopen refuses an empty buffer; libpcap then reports the short file.
@@ -132,6 +134,14 @@ bool CaptureFile::start(pcap* handle, const char* errorText, const QString& name
         return false;
     }
     return true;
+}
+
+qint64 CaptureFile::bytesRead() const
+{
+    // libpcap reads the file through this stream, a record at a time.
+    FILE* stream = handle_ ? pcap_file(handle_) : nullptr;
+    const long position = stream ? std::ftell(stream) : -1;
+    return position < 0 ? 0 : qint64(position);
 }
 
 void CaptureFile::readDatagrams(quint16 port, const PayloadSink& sink)

@@ -55,6 +55,9 @@ public:
     void readDatagrams(quint16 port, const PayloadSink& sink);
 
     const CaptureSummary& summary() const { return summary_; }
+    // How far readDatagrams() got in the file, and the file's size (for progress).
+    qint64 bytesRead() const;
+    qint64 fileSize() const { return size_; }
     // One line for each thing the reader had to skip or give up on.
     QStringList warnings() const;
     // Why no datagram came out (port, what the capture held instead).
@@ -68,6 +71,7 @@ private:
     LinkType link_ = LinkType::Unsupported;
     QString error_;
     CaptureSummary summary_;
+    qint64 size_ = 0;
 };
 
 }  // namespace capture

@@ -7,13 +7,17 @@
 namespace capture {
 
 CaptureFramesResult readCaptureFrames(const QString& path, const CaptureOptions& options,
-                                      const std::function<bool(lidar::LidarDataPoint_V4& frame)>& sink)
+                                      const std::function<bool(lidar::LidarDataPoint_V4& frame)>& sink,
+                                      const ReadProgress& progress)
 {
     CaptureFramesResult result;
+    CaptureFile file;
     bool stopped = false;
     auto stream = lidar::LiveStreamFrames::create(options.model, [&](lidar::LidarDataPoint_V4& frame) {
         if (!stopped && !sink(frame))
             stopped = true;
+        if (progress)
+            progress(file.bytesRead(), file.fileSize());
     });
     if (!stream) {
         result.error = QCoreApplication::translate("CaptureFile", "Unknown lidar model \"%1\"").arg(options.model);
@@ -21,7 +25,6 @@ CaptureFramesResult readCaptureFrames(const QString& path, const CaptureOptions&
     }
     stream->setVersionNumber(options.versionNumber);
 
-    CaptureFile file;
     if (!file.open(path)) {
         result.error = file.errorString();
         return result;

@@ -52,6 +52,8 @@ public:
     RecordReader::Damage damage() const { return reader_.damage(); }
     QString errorString() const { return file_.errorString(); }
     qint64 fileSize() const { return size_; }
+    // Bytes of the file read so far (for progress).
+    qint64 bytesRead() const { return reader_.position(); }
     quint32 announcedCount() const { return reader_.announcedCount(); }
     // Packets read so far (elements after the name and version).
     qint64 packets() const { return packets_; }
