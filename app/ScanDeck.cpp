@@ -19,10 +19,8 @@
 #include "OffinePlayWidget.h"
 #include "OfflineDrop.h"
 #include "OverlayPainter.h"
-#include "RecordingRefusal.h"
 #include "PointTableRow.h"
 #include "RangingMarks.h"
-#include "RecordingOpener.h"
 #include "StatusReadouts.h"
 #include "RecentFolder.h"
 #include "RenderRateTip.h"
@@ -475,20 +473,10 @@ bool ScanDeck::eventFilter(QObject* watched, QEvent* event)
 // user agrees.
 void ScanDeck::playDroppedFile(const QString& path)
 {
-    QPair<QString, QVector<lidar::LidarDataPoint_V4>> parsed;
-    if (capture::looksLikeCaptureFile(path)) {
-        if (!ui->offline->readCapture(path, parsed.first, parsed.second))
-            return;  // cancelled, or the player has said why
-    } else {
-        RecordingOpener::Result opened = RecordingOpener::open(this, path);
-        if (opened.cancelled || opened.busy)
-            return;  // nothing changes
-        parsed = {opened.model, std::move(opened.frames)};
-    }
-    if (parsed.second.isEmpty()) {
-        usermessages::information(this, tr("information"), offline::refusalText(path));
-        return;
-    }
+    QString model;
+    std::unique_ptr<PlayerFrames> source = ui->offline->openSource(path, model);
+    if (!source)
+        return;  // cancelled, or the player has said why
     if (!usermessages::question(this, tr("question"), tr("Whether to play offline file ?")))
         return;
     if (m_playing)
@@ -496,7 +484,7 @@ void ScanDeck::playDroppedFile(const QString& path)
     ui->offline->stop();
     IniSettings settings;
     recentfolder::remember(settings, path);
-    ui->offline->loadFrames(parsed.first, parsed.second, path);
+    ui->offline->loadSource(model, std::move(source), path);
     ui->tabWidget->setCurrentWidget(ui->tab_offline);
 }
 

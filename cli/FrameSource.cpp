@@ -13,6 +13,7 @@
 #include <QCommandLineParser>
 #include <QDateTime>
 #include <QFile>
+#include <QFileInfo>
 
 namespace cli {
 namespace {
@@ -61,7 +62,7 @@ public:
 
     double fractionRead() const override
     {
-        return stream_->fileSize() > 0 ? double(stream_->bytesRead()) / double(stream_->fileSize()) : 1.0;
+        return stream_->fileSize() > 0 ? double(stream_->position()) / double(stream_->fileSize()) : 1.0;
     }
 
     // The packets are read as they are, without decoding them: the offline
@@ -137,8 +138,10 @@ public:
 
     bool run(const FrameSink& sink, QString& error) override
     {
-        result_ = capture::readCaptureFrames(path_, options_, sink, [this](qint64 read, qint64 size) {
-            fraction_ = size > 0 ? double(read) / double(size) : 1.0;
+        const qint64 size = QFileInfo(path_).size();
+        result_ = capture::readCaptureFrames(path_, options_, sink, [this, size](qint64 read) {
+            if (read >= 0 && size > 0)
+                fraction_ = double(read) / double(size);
         });
         if (!result_.ok)
             error = result_.error;

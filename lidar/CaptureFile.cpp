@@ -86,7 +86,6 @@ bool CaptureFile::open(const QString& path)
         return false;
     }
     const QByteArray head = file.read(4);
-    size_ = file.size();
     file.close();
     char errorText[PCAP_ERRBUF_SIZE] = {};
     pcap* handle = pcap_open_offline_with_tstamp_precision(QFile::encodeName(path).constData(),
@@ -97,7 +96,6 @@ bool CaptureFile::open(const QString& path)
 bool CaptureFile::openBytes(const QByteArray& bytes)
 {
     memory_ = bytes;
-    size_ = bytes.size();
     char errorText[PCAP_ERRBUF_SIZE] = {};
     pcap* handle = nullptr;
     // fmemopen refuses an empty buffer; libpcap then reports the short file.
@@ -136,14 +134,6 @@ bool CaptureFile::start(pcap* handle, const char* errorText, const QString& name
     return true;
 }
 
-qint64 CaptureFile::bytesRead() const
-{
-    // libpcap reads the file through this stream, a record at a time.
-    FILE* stream = handle_ ? pcap_file(handle_) : nullptr;
-    const long position = stream ? std::ftell(stream) : -1;
-    return position < 0 ? 0 : qint64(position);
-}
-
 void CaptureFile::readDatagrams(quint16 port, const PayloadSink& sink)
 {
     if (!handle_)
@@ -174,6 +164,12 @@ void CaptureFile::readDatagrams(quint16 port, const PayloadSink& sink)
     }
     extractor.finish();
     summary_.counts = extractor.counts();
+}
+
+qint64 CaptureFile::position() const
+{
+    FILE* stream = handle_ ? pcap_file(handle_) : nullptr;
+    return stream ? qint64(std::ftell(stream)) : -1;
 }
 
 QStringList CaptureFile::warnings() const

@@ -55,9 +55,8 @@ public:
     void readDatagrams(quint16 port, const PayloadSink& sink);
 
     const CaptureSummary& summary() const { return summary_; }
-    // How far readDatagrams() got in the file, and the file's size (for progress).
-    qint64 bytesRead() const;
-    qint64 fileSize() const { return size_; }
+    // Bytes of the capture read so far, for progress; -1 when unknown.
+    qint64 position() const;
     // One line for each thing the reader had to skip or give up on.
     QStringList warnings() const;
     // Why no datagram came out (port, what the capture held instead).
@@ -71,7 +70,6 @@ private:
     LinkType link_ = LinkType::Unsupported;
     QString error_;
     CaptureSummary summary_;
-    qint64 size_ = 0;
 };
 
 }  // namespace capture

@@ -8,16 +8,13 @@ namespace capture {
 
 CaptureFramesResult readCaptureFrames(const QString& path, const CaptureOptions& options,
                                       const std::function<bool(lidar::LidarDataPoint_V4& frame)>& sink,
-                                      const ReadProgress& progress)
+                                      const std::function<void(qint64 bytesRead)>& progress)
 {
     CaptureFramesResult result;
-    CaptureFile file;
     bool stopped = false;
     auto stream = lidar::LiveStreamFrames::create(options.model, [&](lidar::LidarDataPoint_V4& frame) {
         if (!stopped && !sink(frame))
             stopped = true;
-        if (progress)
-            progress(file.bytesRead(), file.fileSize());
     });
     if (!stream) {
         result.error = QCoreApplication::translate("CaptureFile", "Unknown lidar model \"%1\"").arg(options.model);
@@ -25,12 +22,16 @@ CaptureFramesResult readCaptureFrames(const QString& path, const CaptureOptions&
     }
     stream->setVersionNumber(options.versionNumber);
 
+    CaptureFile file;
     if (!file.open(path)) {
         result.error = file.errorString();
         return result;
     }
+    qint64 datagrams = 0;
     file.readDatagrams(options.port, [&](const QByteArray& payload) {
         stream->feed(payload);
+        if (progress && ++datagrams % 256 == 0)
+            progress(file.position());
         return !stopped;
     });
     result.summary = file.summary();

@@ -27,13 +27,12 @@ struct CaptureFramesResult {
     qint64 frames = 0;
 };
 
-// How far the reading got, after each frame: bytes of the file read and its size.
-using ReadProgress = std::function<void(qint64 bytesRead, qint64 fileSize)>;
-
 // `sink` gets each complete frame as it is decoded and returns false to stop.
+// `progress`, if given, hears the bytes of the capture read so far now and
+// then.
 CaptureFramesResult readCaptureFrames(const QString& path, const CaptureOptions& options,
                                       const std::function<bool(lidar::LidarDataPoint_V4& frame)>& sink,
-                                      const ReadProgress& progress = {});
+                                      const std::function<void(qint64 bytesRead)>& progress = {});
 
 // All frames at once, for the player.
 QVector<lidar::LidarDataPoint_V4> parseCaptureFile(const QString& path, const CaptureOptions& options,

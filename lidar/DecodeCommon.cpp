@@ -30,6 +30,12 @@ void keepUnconsumed(QByteArray& buffer, int used, int maxPending)
         buffer.remove(0, keepFrom);
 }
 
+DecodedPacket& scratchPacket()
+{
+    thread_local DecodedPacket packet;
+    return packet;
+}
+
 SinCos computeSinCos(double azimuth)
 {
     const double angle = azimuth * 3.141592653589793 / 180.0;

@@ -109,6 +109,10 @@ struct DecodedPacket {
     }
 };
 
+// A packet's decoding scratch for offline parses, one per thread, so that
+// its storage is reused from packet to packet.
+DecodedPacket& scratchPacket();
+
 // sin and cos of azimuth * pi / 180 (in double precision, azimuth in
 // degrees), exactly as std::sin and std::cos give them.
 struct SinCos {

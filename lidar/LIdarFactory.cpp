@@ -47,6 +47,13 @@ LIdarFactory::LIdarFactory() : QObject(nullptr)
         RegisterParseFunction(QString::fromLatin1(models[i]->className()), parsers[i]);
     for (size_t i = 0; i < sizeof(batchParsers) / sizeof(batchParsers[0]); ++i)
         RegisterBatchParseFunction(QString::fromLatin1(models[i]->className()), batchParsers[i]);
+    lidar::OfflineParser* offline[] = {
+        &lidar::ModelOfflineParser<Wren_Kite>::shared(), &lidar::ModelOfflineParser<Wren_Plus>::shared(),
+        &lidar::ModelOfflineParser<Tern>::shared(),      &lidar::ModelOfflineParser<Tern_GPS>::shared(),
+        &lidar::ModelOfflineParser<Tern_P>::shared(),    &lidar::ModelOfflineParser<Tern_Plus>::shared(),
+    };
+    for (size_t i = 0; i < sizeof(offline) / sizeof(offline[0]); ++i)
+        RegisterOfflineParser(QString::fromLatin1(models[i]->className()), offline[i]);
 }
 
 LIdarFactory::~LIdarFactory()
@@ -73,12 +80,37 @@ void LIdarFactory::RegisterClass(const QMetaObject* metaObject)
 void LIdarFactory::RegisterParseFunction(const QString& name, const ParseFunction& function)
 {
     parseMap.insert(name, function);
-    batchParseMap.remove(name);  // a batch form would bypass the new function
+    // A batch form or a parser object would bypass the new function.
+    batchParseMap.remove(name);
+    offlineParsers.remove(name);
 }
 
 void LIdarFactory::RegisterBatchParseFunction(const QString& name, const BatchParseFunction& function)
 {
     batchParseMap.insert(name, function);
+}
+
+void LIdarFactory::RegisterOfflineParser(const QString& name, lidar::OfflineParser* parser)
+{
+    offlineParsers.insert(name, parser);
+}
+
+std::unique_ptr<lidar::OfflineParser> LIdarFactory::CopyOfflineParser(const QString& name) const
+{
+    lidar::OfflineParser* parser = offlineParsers.value(name);
+    if (!parser)
+        return nullptr;
+    std::lock_guard<std::mutex> lock(lidar::sharedOfflineParserMutex());
+    return parser->clone();
+}
+
+void LIdarFactory::KeepOfflineParserState(const QString& name, const lidar::OfflineParser& parser)
+{
+    lidar::OfflineParser* shared = offlineParsers.value(name);
+    if (!shared)
+        return;
+    std::lock_guard<std::mutex> lock(lidar::sharedOfflineParserMutex());
+    shared->assign(parser);
 }
 
 QStringList LIdarFactory::ModelNames() const

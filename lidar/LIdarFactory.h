@@ -6,6 +6,7 @@
 
 #include "LidarAnalysis.h"
 #include "LidarRecords.h"
+#include "OfflineParser.h"
 
 #include <QByteArray>
 #include <QMap>
@@ -34,6 +35,14 @@ public:
     // called once with all packets of a recording.
     void RegisterParseFunction(const QString& name, const ParseFunction& function);
     void RegisterBatchParseFunction(const QString& name, const BatchParseFunction& function);
+    // The process-wide offline parser behind a model's parse functions.
+    void RegisterOfflineParser(const QString& name, lidar::OfflineParser* parser);
+    // A copy of a model's process-wide offline parser, to decode a recording
+    // on its own from where the parse functions stand now; null for a model
+    // without one. KeepOfflineParserState hands a copy's state back, as if
+    // the parse functions had decoded what it decoded.
+    std::unique_ptr<lidar::OfflineParser> CopyOfflineParser(const QString& name) const;
+    void KeepOfflineParserState(const QString& name, const lidar::OfflineParser& parser);
 
     std::shared_ptr<LidarAnalysis> CreateLidar(const QString& className);
     std::shared_ptr<LidarAnalysis> ChangeLidar(const QString& className);
@@ -57,6 +66,7 @@ public:
     QMap<const char*, const QMetaObject*> classMap;
     QMap<QString, ParseFunction> parseMap;
     QMap<QString, BatchParseFunction> batchParseMap;
+    QMap<QString, lidar::OfflineParser*> offlineParsers;
 
 private:
     void stopWorker();

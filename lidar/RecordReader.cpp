@@ -70,6 +70,19 @@ bool RecordReader::readCount()
     return true;
 }
 
+bool RecordReader::resumeAt(qint64 offset, quint32 element, quint32 announced)
+{
+    buffer_.clear();
+    offset_ = 0;
+    consumed_ = offset;
+    countRead_ = true;
+    count_ = announced;
+    read_ = element;
+    status_ = Status::Reading;
+    damage_ = Damage();
+    return device_.seek(offset);
+}
+
 bool RecordReader::next(QByteArray& element)
 {
     if (!readCount() || status_ != Status::Reading)

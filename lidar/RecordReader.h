@@ -38,6 +38,11 @@ public:
     // Reads the element count; false when the device holds fewer than four
     // bytes. next() calls it when needed.
     bool readCount();
+    // Goes on reading at byte `offset` of the device, where element
+    // `element` of a recording announcing `announced` elements begins (as
+    // an earlier reader of the same file found them). False when the
+    // device cannot seek there.
+    bool resumeAt(qint64 offset, quint32 element, quint32 announced);
     // The next element; false at the end of a complete recording or at the
     // damage, with status() telling which.
     bool next(QByteArray& element);

@@ -1,65 +1,47 @@
 #include "RecordingStream.h"
 
-#include "RecordFile.h"
+#include "LIdarFactory.h"
 
 namespace lidar {
 
-RecordingStream::RecordingStream(const QString& fileName) : file_(fileName), reader_(file_) {}
-
-bool RecordingStream::fail(Problem problem)
-{
-    problem_ = problem;
-    return false;
-}
+RecordingStream::RecordingStream(const QString& fileName) : cursor_(fileName) {}
 
 bool RecordingStream::open()
 {
-    if (!file_.open(QIODevice::ReadOnly))
-        return fail(Problem::CannotOpen);
-    size_ = file_.size();
-    QByteArray name;
-    if (!reader_.next(name))
-        return fail(reader_.status() == RecordReader::Status::Damaged ? Problem::Damaged : Problem::NoElements);
-    model_ = QString::fromUtf8(name);
-    QVector<QByteArray> prefix;
-    for (int i = recordPrefixElements(model_); i > 0; --i) {
-        QByteArray element;
-        if (!reader_.next(element))
-            break;  // run() reports the damage, if any
-        prefix.append(element);
-    }
-    version_ = prefix.value(0);
-    decoder_ = std::make_unique<RecordingDecoder>(model_, prefix);
+    if (!cursor_.open())
+        return false;
+    known_ = cursor_.startFromRegistry();
     return true;
 }
 
-bool RecordingStream::deliver(QVector<LidarDataPoint_V4>& frames, const FrameSink& sink)
+RecordingStream::Problem RecordingStream::problem() const
 {
-    bool goOn = true;
-    for (int i = 0; i < frames.size() && goOn; ++i)
-        goOn = sink(frames[i]);
-    frames.clear();
-    return goOn;
+    switch (cursor_.problem()) {
+    case RecordingCursor::Problem::CannotOpen: return Problem::CannotOpen;
+    case RecordingCursor::Problem::Damaged: return Problem::Damaged;
+    case RecordingCursor::Problem::NoElements: return Problem::NoElements;
+    case RecordingCursor::Problem::None:
+    case RecordingCursor::Problem::UnknownModel: break;
+    }
+    return Problem::None;
 }
 
 bool RecordingStream::run(const FrameSink& sink)
 {
-    if (!decoder_)
+    if (!known_)
         return false;
-    QVector<LidarDataPoint_V4> frames;
-    QByteArray packet;
-    while (reader_.next(packet)) {
-        ++packets_;
-        if (observer_)
-            observer_(packet);
-        decoder_->add(packet, frames);
-        if (!frames.isEmpty() && !deliver(frames, sink))
-            return false;
+    LidarDataPoint_V4 frame;
+    bool stopped = false;
+    while (cursor_.next(frame)) {
+        if (!sink(frame)) {
+            stopped = true;
+            break;
+        }
     }
-    if (reader_.status() == RecordReader::Status::Damaged)
-        return fail(Problem::Damaged);
-    decoder_->finish(frames);
-    return deliver(frames, sink);
+    // The parse's state goes back as the registry's own parse would leave it.
+    if (cursor_.parser())
+        LIdarFactory::GetInstance()->KeepOfflineParserState(model(), *cursor_.parser());
+    return !stopped && problem() == Problem::None;
 }
 
 }  // namespace lidar

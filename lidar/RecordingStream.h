@@ -1,23 +1,21 @@
 #pragma once
 // A recording decoded frame by frame while it is read, once, front to back
-// in pieces: memory stays bounded by a batch of packets and the frames it
-// completes, whatever the recording's length. The frames are exactly those
-// the registry's ParseFile gives for a sound recording. Each packet can be
-// looked at on the way, so that what a caller needs to know about them is
-// gathered in the same pass.
+// in pieces: memory stays bounded whatever the recording's length. It runs
+// the same cursor the player reads recordings with, starting from the
+// model's process-wide parser and handing its state back at the end, so the
+// frames are exactly those the registry's ParseFile gives for a sound
+// recording. Each packet can be looked at on the way, so that what a caller
+// needs to know about them is gathered in the same pass.
 //
 // Unlike ParseFile, which refuses a damaged recording whole, the stream finds
 // damage only when it gets there: the frames before it have been handed on.
 
 #include "LidarRecords.h"
-#include "RecordReader.h"
-#include "RecordingDecoder.h"
+#include "RecordingCursor.h"
 
 #include <QByteArray>
-#include <QFile>
 #include <QString>
 #include <functional>
-#include <memory>
 
 namespace lidar {
 
@@ -35,42 +33,32 @@ public:
     // Opens the file and reads the class name, and Tern_P's version number;
     // false with problem() set when that fails.
     bool open();
-    QString model() const { return model_; }
-    // Whether the registry knows the model (otherwise run() decodes nothing).
-    bool isKnownModel() const { return decoder_ && decoder_->isKnownModel(); }
-    QByteArray versionElement() const { return version_; }
+    QString model() const { return cursor_.model(); }
+    // Whether the registry can decode the model (otherwise run() decodes nothing).
+    bool isKnownModel() const { return known_; }
+    QByteArray versionElement() const { return cursor_.prefix().value(0); }
 
     using FrameSink = std::function<bool(LidarDataPoint_V4& frame)>;  // false stops the run
-    using PacketObserver = std::function<void(const QByteArray& packet)>;
+    using PacketObserver = RecordingCursor::PacketObserver;
     // Sees every packet as it is read (before it is decoded).
-    void setPacketObserver(PacketObserver observer) { observer_ = std::move(observer); }
+    void setPacketObserver(PacketObserver observer) { cursor_.setPacketObserver(std::move(observer)); }
     // Hands every complete frame to `sink`, in order. False when the
     // recording turns out damaged (problem()) or the sink stopped it.
     bool run(const FrameSink& sink);
 
-    Problem problem() const { return problem_; }
-    RecordReader::Damage damage() const { return reader_.damage(); }
-    QString errorString() const { return file_.errorString(); }
-    qint64 fileSize() const { return size_; }
-    // Bytes of the file read so far (for progress).
-    qint64 bytesRead() const { return reader_.position(); }
-    quint32 announcedCount() const { return reader_.announcedCount(); }
+    Problem problem() const;
+    RecordReader::Damage damage() const { return cursor_.damage(); }
+    QString errorString() const { return cursor_.errorString(); }
+    qint64 fileSize() const { return cursor_.fileSize(); }
+    quint32 announcedCount() const { return cursor_.announcedCount(); }
+    // Bytes read so far.
+    qint64 position() const { return cursor_.position(); }
     // Packets read so far (elements after the name and version).
-    qint64 packets() const { return packets_; }
+    qint64 packets() const { return cursor_.packetsRead(); }
 
 private:
-    bool fail(Problem problem);
-    bool deliver(QVector<LidarDataPoint_V4>& frames, const FrameSink& sink);
-
-    QFile file_;
-    qint64 size_ = 0;
-    RecordReader reader_;
-    QString model_;
-    QByteArray version_;
-    std::unique_ptr<RecordingDecoder> decoder_;
-    PacketObserver observer_;
-    Problem problem_ = Problem::None;
-    qint64 packets_ = 0;
+    RecordingCursor cursor_;
+    bool known_ = false;
 };
 
 }  // namespace lidar

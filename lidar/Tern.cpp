@@ -35,13 +35,17 @@ void Tern::ParseLidarData()
 
 bool Tern::ParseRecordedBatch(const QVector<QByteArray>& packets, QVector<lidar::LidarDataPoint_V4>& frames)
 {
-    static OfflineFrames<float> state;
-    DecodedPacket decoded;
-    return tern::parseRecorded(
-        packets, 0, [](const QByteArray& packet) { return packet.size() == kPacketSize; },
-        [&](const QByteArray& packet) {
-            DecodePacket(packet, decoded);
-            state.place<float>(decoded, frames);
+    return lidar::parseSharedBatch<Tern>(packets, frames);
+}
+
+bool Tern::AddRecordedPacket(OfflineState& state, const QByteArray& packet, QVector<lidar::LidarDataPoint_V4>& frames)
+{
+    return tern::addRecorded(
+        packet, [](const QByteArray& p) { return p.size() == kPacketSize; },
+        [&](const QByteArray& p) {
+            DecodedPacket& decoded = scratchPacket();
+            DecodePacket(p, decoded);
+            state.frames.place<float>(decoded, frames);
         });
 }
 

@@ -15,6 +15,7 @@
 
 #include "LidarAnalysis.h"
 #include "DecodeCommon.h"
+#include "OfflineParser.h"
 
 class Tern : public LidarAnalysis {
     Q_OBJECT
@@ -30,9 +31,18 @@ public:
     {
         return lidar::decode::parseWhole<ParseRecordedBatch>(packets);
     }
-    // The same fed a recording's packets a batch at a time: the frames each
-    // batch completes are appended; false once a packet ended the parse.
+    // The same fed a recording's packets a batch at a time, through the
+    // model's process-wide offline parser: the frames each batch completes
+    // are appended; false once a packet ended the parse.
     static bool ParseRecordedBatch(const QVector<QByteArray>& packets, QVector<lidar::LidarDataPoint_V4>& frames);
+
+    // What the offline parse carries from packet to packet (OfflineParser.h).
+    struct OfflineState {
+        lidar::decode::OfflineFrames<float> frames;
+    };
+    static void SetRecordPrefix(OfflineState&, const QVector<QByteArray>&) {}
+    static bool AddRecordedPacket(OfflineState& state, const QByteArray& packet,
+                                  QVector<lidar::LidarDataPoint_V4>& frames);
 
     // Points of one 92-byte data packet (the 41st word is dropped unless the
     // 40th is zero). Pure: used live and offline.

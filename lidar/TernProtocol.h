@@ -69,18 +69,16 @@ inline bool lengthFieldMatches(decode::Bytes piece)
 // A piece contains no trailer at or after its first header (ends an offline parse).
 bool lacksTrailer(decode::Bytes piece);
 
-// The offline loop of every Tern model: from element `first` on, a piece
-// without trailer ends the parse, pieces `isDataPacket` rejects are skipped,
-// the others go to `place` in order. False when a piece ended the parse.
+// The offline rule of every Tern model for one recorded element: a piece
+// without trailer ends the parse (false), pieces `isDataPacket` rejects are
+// skipped, the others go to `place`.
 template <typename IsDataPacket, typename Place>
-bool parseRecorded(const QVector<QByteArray>& packets, int first, IsDataPacket&& isDataPacket, Place&& place)
+bool addRecorded(const QByteArray& packet, IsDataPacket&& isDataPacket, Place&& place)
 {
-    for (int i = first; i < packets.size(); ++i) {
-        if (lacksTrailer(packets[i]))
-            return false;
-        if (isDataPacket(packets[i]))
-            place(packets[i]);
-    }
+    if (lacksTrailer(packet))
+        return false;
+    if (isDataPacket(packet))
+        place(packet);
     return true;
 }
 

@@ -33,14 +33,18 @@ void Tern_GPS::ParseLidarData()
 
 bool Tern_GPS::ParseRecordedBatch(const QVector<QByteArray>& packets, QVector<lidar::LidarDataPoint_V4>& frames)
 {
-    static OfflineFrames<float> state;
-    static tern::PacketClock clock;
-    DecodedPacket decoded;
-    return tern::parseRecorded(
-        packets, 0, [](const QByteArray& packet) { return packet.size() == kPacketSize; },
-        [&](const QByteArray& packet) {
-            const tern::CalendarTime time = DecodePacket(packet, decoded);
-            clock.apply(decoded, time);
-            state.place<float>(decoded, frames);
+    return lidar::parseSharedBatch<Tern_GPS>(packets, frames);
+}
+
+bool Tern_GPS::AddRecordedPacket(OfflineState& state, const QByteArray& packet,
+                                 QVector<lidar::LidarDataPoint_V4>& frames)
+{
+    return tern::addRecorded(
+        packet, [](const QByteArray& p) { return p.size() == kPacketSize; },
+        [&](const QByteArray& p) {
+            DecodedPacket& decoded = scratchPacket();
+            const tern::CalendarTime time = DecodePacket(p, decoded);
+            state.clock.apply(decoded, time);
+            state.frames.place<float>(decoded, frames);
         });
 }

@@ -37,16 +37,20 @@ void Tern_P::ParseLidarData()
 
 bool Tern_P::ParseRecordedBatch(const QVector<QByteArray>& elements, QVector<lidar::LidarDataPoint_V4>& frames)
 {
-    static OfflineFrames<float> state;
-    static tern::PacketClock clock;
-    if (elements.isEmpty())
-        return true;
-    // Not a number: 0, which reads the words the older way.
-    const uint32_t version = elements.first().trimmed().toUInt();
-    DecodedPacket decoded;
-    return tern::parseRecorded(elements, 1, tern::isVariableDataPacket, [&](const QByteArray& packet) {
-        const tern::CalendarTime time = DecodePacket(packet, version, decoded);
-        clock.apply(decoded, time);
-        state.place<float>(decoded, frames);
+    return lidar::parseSharedBatch<Tern_P, 1>(elements, frames);
+}
+
+void Tern_P::SetRecordPrefix(OfflineState& state, const QVector<QByteArray>& prefix)
+{
+    state.version = prefix.value(0).trimmed().toUInt();
+}
+
+bool Tern_P::AddRecordedPacket(OfflineState& state, const QByteArray& packet, QVector<lidar::LidarDataPoint_V4>& frames)
+{
+    return tern::addRecorded(packet, tern::isVariableDataPacket, [&](const QByteArray& p) {
+        DecodedPacket& decoded = scratchPacket();
+        const tern::CalendarTime time = DecodePacket(p, state.version, decoded);
+        state.clock.apply(decoded, time);
+        state.frames.place<float>(decoded, frames);
     });
 }

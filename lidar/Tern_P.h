@@ -24,6 +24,7 @@
 
 #include "TernGpsSession.h"
 #include "DecodeCommon.h"
+#include "OfflineParser.h"
 #include "TernProtocol.h"
 
 class Tern_P : public lidar::tern::GpsSession<Tern_P> {
@@ -38,10 +39,22 @@ public:
     {
         return lidar::decode::parseWhole<ParseRecordedBatch>(elements);
     }
-    // The same fed a recording's packets a batch at a time, each batch led by
-    // the version element: the frames each batch completes are appended;
-    // false once a packet ended the parse.
-    static bool ParseRecordedBatch(const QVector<QByteArray>& elements, QVector<lidar::LidarDataPoint_V4>& frames);
+    // The same fed a recording's packets a batch at a time, each batch led
+    // by the version element, through the model's process-wide offline
+    // parser: the frames each batch completes are appended; false once a
+    // packet ended the parse.
+    static bool ParseRecordedBatch(const QVector<QByteArray>& packets, QVector<lidar::LidarDataPoint_V4>& frames);
+
+    // What the offline parse carries from packet to packet (OfflineParser.h).
+    struct OfflineState {
+        lidar::decode::OfflineFrames<float> frames;
+        lidar::tern::PacketClock clock;
+        uint32_t version = 0;  // from the recording, not carried to the next
+    };
+    // The version element; not a number reads as 0, the older word encoding.
+    static void SetRecordPrefix(OfflineState& state, const QVector<QByteArray>& prefix);
+    static bool AddRecordedPacket(OfflineState& state, const QByteArray& packet,
+                                  QVector<lidar::LidarDataPoint_V4>& frames);
 
     // Points of one data packet decoded for firmware `version`, time stamps
     // not yet set; returns the packet's calendar time. Pure.

@@ -37,13 +37,17 @@ void Tern_Plus::ParseLidarData()
 
 bool Tern_Plus::ParseRecordedBatch(const QVector<QByteArray>& packets, QVector<lidar::LidarDataPoint_V4>& frames)
 {
-    static OfflineFrames<float> state;
-    static tern::PacketClock clock;
-    DecodedPacket decoded;
-    return tern::parseRecorded(packets, 0, tern::isVariableDataPacket, [&](const QByteArray& packet) {
-        const tern::CalendarTime time = DecodePacket(packet, decoded);
-        clock.apply(decoded, time);
-        state.place<float>(decoded, frames);
+    return lidar::parseSharedBatch<Tern_Plus>(packets, frames);
+}
+
+bool Tern_Plus::AddRecordedPacket(OfflineState& state, const QByteArray& packet,
+                                  QVector<lidar::LidarDataPoint_V4>& frames)
+{
+    return tern::addRecorded(packet, tern::isVariableDataPacket, [&](const QByteArray& p) {
+        DecodedPacket& decoded = scratchPacket();
+        const tern::CalendarTime time = DecodePacket(p, decoded);
+        state.clock.apply(decoded, time);
+        state.frames.place<float>(decoded, frames);
     });
 }
 

@@ -22,6 +22,7 @@
 
 #include "TernGpsSession.h"
 #include "DecodeCommon.h"
+#include "OfflineParser.h"
 #include "TernProtocol.h"
 
 class Tern_Plus : public lidar::tern::GpsSession<Tern_Plus> {
@@ -37,9 +38,19 @@ public:
     {
         return lidar::decode::parseWhole<ParseRecordedBatch>(packets);
     }
-    // The same fed a recording's packets a batch at a time: the frames each
-    // batch completes are appended; false once a packet ended the parse.
+    // The same fed a recording's packets a batch at a time, through the
+    // model's process-wide offline parser: the frames each batch completes
+    // are appended; false once a packet ended the parse.
     static bool ParseRecordedBatch(const QVector<QByteArray>& packets, QVector<lidar::LidarDataPoint_V4>& frames);
+
+    // What the offline parse carries from packet to packet (OfflineParser.h).
+    struct OfflineState {
+        lidar::decode::OfflineFrames<float> frames;
+        lidar::tern::PacketClock clock;
+    };
+    static void SetRecordPrefix(OfflineState&, const QVector<QByteArray>&) {}
+    static bool AddRecordedPacket(OfflineState& state, const QByteArray& packet,
+                                  QVector<lidar::LidarDataPoint_V4>& frames);
 
     // Points of one data packet, time stamps not yet set; returns the
     // packet's calendar time. Pure.

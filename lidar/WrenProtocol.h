@@ -74,21 +74,20 @@ void parseStream(QByteArray& buffer, int packetSize, uint8_t packetType, OnData&
     decode::keepUnconsumed(buffer, used, kMaxPending);
 }
 
-// The offline loop of both Wren models: every element long enough to hold
-// the fields is taken as a data packet (no header, type or checksum test),
-// decoded by `decodePacket` and placed in the persistent `state`; completed
-// frames are appended to `frames`. No packet ends the parse.
+// The offline rule of both Wren models for one recorded element: every
+// element long enough to hold the fields is taken as a data packet (no
+// header, type or checksum test), decoded by `decodePacket` and placed in
+// `state`; completed frames are appended to `frames`. No packet ends the
+// parse.
 template <typename Azimuth, typename Previous, typename DecodePacket>
-bool parseRecorded(const QVector<QByteArray>& packets, int packetSize, DecodePacket&& decodePacket,
-                   decode::OfflineFrames<Previous>& state, QVector<LidarDataPoint_V4>& frames)
+bool addRecorded(const QByteArray& packet, int packetSize, DecodePacket&& decodePacket,
+                 decode::OfflineFrames<Previous>& state, QVector<LidarDataPoint_V4>& frames)
 {
-    decode::DecodedPacket decoded;
-    for (const QByteArray& packet : packets) {
-        if (packet.size() < packetSize)
-            continue;
-        decodePacket(packet, decoded);
-        state.template place<Azimuth>(decoded, frames);
-    }
+    if (packet.size() < packetSize)
+        return true;
+    decode::DecodedPacket& decoded = decode::scratchPacket();
+    decodePacket(packet, decoded);
+    state.template place<Azimuth>(decoded, frames);
     return true;
 }
 

@@ -25,7 +25,11 @@ void Wren_Kite::DecodePacket(Bytes packet, DecodedPacket& out)
 
 bool Wren_Kite::ParseRecordedBatch(const QVector<QByteArray>& packets, QVector<lidar::LidarDataPoint_V4>& frames)
 {
-    // Offline the previous azimuth is kept in whole degrees.
-    static OfflineFrames<int32_t> state;
-    return wren::parseRecorded<double>(packets, kPacketSize, DecodePacket, state, frames);
+    return lidar::parseSharedBatch<Wren_Kite>(packets, frames);
+}
+
+bool Wren_Kite::AddRecordedPacket(OfflineState& state, const QByteArray& packet,
+                                  QVector<lidar::LidarDataPoint_V4>& frames)
+{
+    return wren::addRecorded<double>(packet, kPacketSize, DecodePacket, state.frames, frames);
 }

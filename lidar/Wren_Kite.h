@@ -18,6 +18,7 @@
 // 15-degree threshold. 188-byte replies and commands: WrenProtocol.h.
 
 #include "WrenSession.h"
+#include "OfflineParser.h"
 
 class Wren_Kite : public lidar::wren::WrenSession<Wren_Kite> {
     Q_OBJECT
@@ -29,9 +30,18 @@ public:
     {
         return lidar::decode::parseWhole<ParseRecordedBatch>(packets);
     }
-    // The same fed a recording's packets a batch at a time: the frames each
-    // batch completes are appended; false once a packet ended the parse.
+    // The same fed a recording's packets a batch at a time, through the
+    // model's process-wide offline parser: the frames each batch completes
+    // are appended; false once a packet ended the parse.
     static bool ParseRecordedBatch(const QVector<QByteArray>& packets, QVector<lidar::LidarDataPoint_V4>& frames);
+
+    // What the offline parse carries from packet to packet (OfflineParser.h).
+    struct OfflineState {
+        lidar::decode::OfflineFrames<int32_t> frames;  // the previous azimuth in whole degrees
+    };
+    static void SetRecordPrefix(OfflineState&, const QVector<QByteArray>&) {}
+    static bool AddRecordedPacket(OfflineState& state, const QByteArray& packet,
+                                  QVector<lidar::LidarDataPoint_V4>& frames);
 
     // Points of one data packet under channel ID 0. Pure.
     static void DecodePacket(lidar::decode::Bytes packet, lidar::decode::DecodedPacket& out);

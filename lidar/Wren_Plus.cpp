@@ -33,6 +33,11 @@ void Wren_Plus::DecodePacket(Bytes packet, DecodedPacket& out)
 
 bool Wren_Plus::ParseRecordedBatch(const QVector<QByteArray>& packets, QVector<lidar::LidarDataPoint_V4>& frames)
 {
-    static OfflineFrames<float> state;
-    return wren::parseRecorded<float>(packets, kPacketSize, DecodePacket, state, frames);
+    return lidar::parseSharedBatch<Wren_Plus>(packets, frames);
+}
+
+bool Wren_Plus::AddRecordedPacket(OfflineState& state, const QByteArray& packet,
+                                  QVector<lidar::LidarDataPoint_V4>& frames)
+{
+    return wren::addRecorded<float>(packet, kPacketSize, DecodePacket, state.frames, frames);
 }

@@ -19,6 +19,7 @@
 // the end of a revolution. 188-byte replies and commands: WrenProtocol.h.
 
 #include "WrenSession.h"
+#include "OfflineParser.h"
 
 class Wren_Plus : public lidar::wren::WrenSession<Wren_Plus> {
     Q_OBJECT
@@ -30,9 +31,18 @@ public:
     {
         return lidar::decode::parseWhole<ParseRecordedBatch>(packets);
     }
-    // The same fed a recording's packets a batch at a time: the frames each
-    // batch completes are appended; false once a packet ended the parse.
+    // The same fed a recording's packets a batch at a time, through the
+    // model's process-wide offline parser: the frames each batch completes
+    // are appended; false once a packet ended the parse.
     static bool ParseRecordedBatch(const QVector<QByteArray>& packets, QVector<lidar::LidarDataPoint_V4>& frames);
+
+    // What the offline parse carries from packet to packet (OfflineParser.h).
+    struct OfflineState {
+        lidar::decode::OfflineFrames<float> frames;
+    };
+    static void SetRecordPrefix(OfflineState&, const QVector<QByteArray>&) {}
+    static bool AddRecordedPacket(OfflineState& state, const QByteArray& packet,
+                                  QVector<lidar::LidarDataPoint_V4>& frames);
 
     // Points of one data packet under channel IDs 0 and 1. Pure.
     static void DecodePacket(lidar::decode::Bytes packet, lidar::decode::DecodedPacket& out);

@@ -6,14 +6,16 @@
 #include "IniSettings.h"
 #include "LIdarFactory.h"
 #include "RecentFolder.h"
-#include "RecordingRefusal.h"
 #include "UserMessages.h"
-#include "RecordingOpener.h"
 #include "ui_OffinePlayWidget.h"
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFileDialog>
 #include <QKeyEvent>
+#include <QProgressBar>
+#include <QThread>
+#include <QTimer>
 #include <QTimerEvent>
 
 namespace {
@@ -26,11 +28,33 @@ lidar::LidarDataPoint_V4 emptyFrame()
     return lidar::LidarDataPoint_V4{};  // ambient and motor speed -1, no points
 }
 
+// How often the growing index is looked at, and how long opening waits for
+// the first frame before it lets the window go on (a file that takes longer
+// is followed from then on).
+constexpr int kFollowIndexMs = 100;
+constexpr int kFirstFrameWaitMs = 300;
+
+void waitForFirstFrame(const PlayerFrames& frames, int ms)
+{
+    QElapsedTimer clock;
+    clock.start();
+    while (frames.count() == 0 && !frames.isFinal() && clock.elapsed() < ms)
+        QThread::msleep(1);
+}
+
 }  // namespace
 
 OffinePlayWidget::OffinePlayWidget(QWidget* parent) : QWidget(parent), ui(new Ui::OffinePlayWidget)
 {
     ui->setupUi(this);
+    indexProgress = new QProgressBar(this);
+    indexProgress->setObjectName(QStringLiteral("progressBar_index"));
+    indexProgress->setRange(0, 1000);
+    indexProgress->setMaximumWidth(140);
+    indexProgress->hide();
+    indexTimer = new QTimer(this);
+    indexTimer->setInterval(kFollowIndexMs);
+    connect(indexTimer, &QTimer::timeout, this, &OffinePlayWidget::followIndex);
     arrangeControls();
     setMessageHook(nullptr);
     setOpenFileHook(nullptr);
@@ -57,7 +81,8 @@ void OffinePlayWidget::arrangeControls()
     flow->addWidget(FlowLayout::group(
         {ui->btn_open_file, ui->btn_last, ui->btn_play, ui->btn_next, ui->btn_circulation, ui->btn_stop}, this));
     flow->addWidget(FlowLayout::group({ui->label, ui->comboBox}, this));
-    flow->addWidget(FlowLayout::group({ui->horizontalSlider, ui->spinBox_progress, ui->label_maxNum}, this, true));
+    flow->addWidget(FlowLayout::group({ui->horizontalSlider, ui->spinBox_progress, ui->label_maxNum, indexProgress},
+                                      this, true));
     flow->addWidget(FlowLayout::group({ui->btn_table, ui->btn_export_csv}, this));
 }
 
@@ -97,27 +122,31 @@ void OffinePlayWidget::setCaptureModelHook(CaptureModelHook hook)
     };
 }
 
-bool OffinePlayWidget::readCapture(const QString& path, QString& model, QVector<lidar::LidarDataPoint_V4>& captured)
+std::unique_ptr<PlayerFrames> OffinePlayWidget::openSource(const QString& path, QString& name)
 {
-    capture::CaptureOptions options;
-    CaptureModelDialog::lastChoice(options.model, options.port);
-    if (!captureModelHook(options.model, options.port))
-        return false;
-    CaptureModelDialog::rememberChoice(options.model, options.port);
-    capture::CaptureFramesResult result;
-    captured = capture::parseCaptureFile(path, options, &result);
-    if (!result.ok) {
-        inform(tr("information"), result.error);
-        return false;
+    QString refusal;
+    std::unique_ptr<PlayerFrames> source;
+    if (capture::looksLikeCaptureFile(path)) {
+        capture::CaptureOptions options;
+        CaptureModelDialog::lastChoice(options.model, options.port);
+        if (!captureModelHook(options.model, options.port))
+            return nullptr;
+        CaptureModelDialog::rememberChoice(options.model, options.port);
+        source = openCaptureFrames(path, options, refusal);
+        name = options.model;
+    } else {
+        source = openRecordingFrames(path, name, refusal);
     }
-    if (captured.isEmpty()) {
-        inform(tr("information"), tr("Unable to parse this file"));
-        return false;
+    if (!source) {
+        inform(tr("information"), refusal);
+        return nullptr;
     }
-    if (!result.warnings.isEmpty())
-        inform(tr("information"), result.warnings.join(QLatin1Char('\n')));
-    model = options.model;
-    return true;
+    waitForFirstFrame(*source, kFirstFrameWaitMs);
+    if (source->count() == 0 && source->isFinal()) {
+        inform(tr("information"), source->refusal());
+        return nullptr;
+    }
+    return source;
 }
 
 void OffinePlayWidget::inform(const QString& title, const QString& text)
@@ -168,8 +197,8 @@ void OffinePlayWidget::setControlsLoaded(bool isLoaded)
 
 void OffinePlayWidget::openFile()
 {
-    if (RecordingOpener::isOpening())
-        return;  // a click that slipped in while a recording loads
+    if (loaded || frames_)
+        return;  // a click that slipped in while a file opens
     // A paused live display clears the session's connected flag, but the
     // link is still up: its connection type says so.
     const auto session = LIdarFactory::GetInstance()->GetCurrentLidar();
@@ -185,35 +214,91 @@ void OffinePlayWidget::openFile()
     if (path.isEmpty())
         return;
     recentfolder::remember(settings, path);
-    if (capture::looksLikeCaptureFile(path)) {
-        QString model;
-        QVector<lidar::LidarDataPoint_V4> captured;
-        if (readCapture(path, model, captured))
-            loadFrames(model, captured, path);
-        return;
-    }
-    const RecordingOpener::Result opened = RecordingOpener::open(this, path);
-    if (opened.cancelled || opened.busy)
-        return;  // the player stays as it was
-    if (opened.frames.isEmpty()) {
-        inform(tr("information"), offline::refusalText(path));
-        return;
-    }
-    loadFrames(opened.model, opened.frames, path);
+    QString name;
+    std::unique_ptr<PlayerFrames> source = openSource(path, name);
+    if (source)
+        loadSource(name, std::move(source), path);
 }
 
 void OffinePlayWidget::loadFrames(const QString& name, const QVector<lidar::LidarDataPoint_V4>& newFrames,
                                   const QString& path)
 {
-    frames = newFrames;
-    if (frames.isEmpty()) {
+    if (newFrames.isEmpty()) {
         inform(tr("information"), tr("Unable to parse this file"));
         return;
     }
-    loaded = true;
+    loadSource(name, std::make_unique<MemoryFrames>(newFrames), path);
+}
+
+void OffinePlayWidget::loadSource(const QString& name, std::unique_ptr<PlayerFrames> source, const QString& path)
+{
+    if (loaded || frames_)
+        stop();
+    frames_ = std::move(source);
+    model = name;
     file = path;
+    unreadableReported = false;
+    indexing = true;
+    followIndex();
+    if (indexing)
+        indexTimer->start();
+}
+
+void OffinePlayWidget::followIndex()
+{
+    if (!frames_) {
+        indexing = false;
+        indexTimer->stop();
+        return;
+    }
+    const bool final = frames_->isFinal();
+    const int available = frames_->count();
+    if (!loaded) {
+        if (available > 0) {
+            becomeLoaded();
+        } else if (final) {
+            // Nothing in the whole file could be played.
+            const QString refusal = frames_->refusal();
+            frames_.reset();
+            file.clear();
+            indexing = false;
+            indexTimer->stop();
+            showIndexProgress();
+            inform(tr("information"), refusal);
+            return;
+        }
+    } else if (available != count) {
+        count = available;
+        ui->horizontalSlider->setRange(1, count);
+        ui->spinBox_progress->setRange(1, count);
+        ui->label_maxNum->setText(QStringLiteral("/") + QString::number(count));
+    }
+    if (final) {
+        indexing = false;
+        indexTimer->stop();
+        showIndexProgress();
+        const QString note = frames_->note();
+        if (!note.isEmpty())
+            inform(tr("information"), note);
+        return;
+    }
+    showIndexProgress();
+}
+
+void OffinePlayWidget::showIndexProgress()
+{
+    indexProgress->setVisible(indexing);
+    if (indexing && frames_) {
+        indexProgress->setValue(frames_->progressPermille());
+        indexProgress->setFormat(tr("Indexing %1%").arg(frames_->progressPermille() / 10));
+    }
+}
+
+void OffinePlayWidget::becomeLoaded()
+{
+    loaded = true;
     current = 0;
-    count = frames.size();
+    count = frames_->count();
 
     ui->horizontalSlider->setValue(0);
     ui->spinBox_progress->setValue(1);
@@ -222,9 +307,25 @@ void OffinePlayWidget::loadFrames(const QString& name, const QVector<lidar::Lida
     ui->label_maxNum->setText(QStringLiteral("/") + QString::number(count));
 
     setControlsLoaded(true);
-    emit SendLidarTypeSignal(name);
+    emit SendLidarTypeSignal(model);
     emit SendPlaybackFileSignal(file);
-    emit SendLidarDataSignal(frames.first());
+    emitFrame(0);
+}
+
+bool OffinePlayWidget::emitFrame(int index)
+{
+    lidar::LidarDataPoint_V4 frame;
+    if (!frames_ || !frames_->frame(index, frame)) {
+        if (!unreadableReported) {
+            unreadableReported = true;  // once: a changed file would say so on every tick
+            inform(tr("information"), tr("Frame %1 cannot be read: the file has changed since it was opened. "
+                                         "The frames before it still play.")
+                                          .arg(index + 1));
+        }
+        return false;
+    }
+    emit SendLidarDataSignal(frame);
+    return true;
 }
 
 void OffinePlayWidget::startPlaybackTimer()
@@ -243,14 +344,14 @@ void OffinePlayWidget::playPause()
 {
     const bool wasPlaying = playing;
     playing = !playing;
-    if (frames.isEmpty())
+    if (count == 0)
         return;
     if (wasPlaying) {
         ui->btn_play->setChecked(false);
         stopPlaybackTimer();
         return;
     }
-    if (current == count)
+    if (current == count && !indexing)
         current = 0;  // played to the end: start over
     ui->btn_play->setChecked(true);
     stopPlaybackTimer();  // never leave a second timer running
@@ -264,6 +365,8 @@ void OffinePlayWidget::timerEvent(QTimerEvent* event)
         return;
     }
     if (current >= count) {
+        if (indexing)
+            return;  // the index has not got this far yet: wait for it
         if (!loop) {
             // The end of the file stops playback on the last frame.
             playing = false;
@@ -274,10 +377,16 @@ void OffinePlayWidget::timerEvent(QTimerEvent* event)
         }
         return;
     }
-    emit SendLidarDataSignal(frames.at(current));
+    emitFrame(current);
     ++current;
     ui->horizontalSlider->setValue(current);
     ui->spinBox_progress->setValue(current);
+    // Read ahead once this tick has been drawn, not before.
+    if (current < count)
+        QTimer::singleShot(0, this, [this, next = current] {
+            if (frames_)
+                frames_->readAhead(next);
+        });
 }
 
 void OffinePlayWidget::setSpeed(int index)
@@ -294,34 +403,34 @@ void OffinePlayWidget::setSpeed(int index)
 void OffinePlayWidget::showFrameAt(int position)
 {
     current = position;
-    emit SendLidarDataSignal(frames.at(current - 1));
+    emitFrame(current - 1);
     ui->horizontalSlider->setValue(current);
     ui->spinBox_progress->setValue(current);
 }
 
 void OffinePlayWidget::previousFrame()
 {
-    if (frames.isEmpty())
+    if (count == 0)
         return;
     showFrameAt(qMax(current - 1, 1));
 }
 
 void OffinePlayWidget::nextFrame()
 {
-    if (frames.isEmpty())
+    if (count == 0)
         return;
     showFrameAt(qMin(current + 1, count));
 }
 
 void OffinePlayWidget::firstFrame()
 {
-    if (!frames.isEmpty())
+    if (count > 0)
         showFrameAt(1);
 }
 
 void OffinePlayWidget::lastFrame()
 {
-    if (!frames.isEmpty())
+    if (count > 0)
         showFrameAt(count);
 }
 
@@ -339,11 +448,11 @@ void OffinePlayWidget::toggleExportIfAllowed()
 
 void OffinePlayWidget::seekFromSlider(int value)
 {
-    if (value < 1 || value > count || frames.isEmpty())
+    if (value < 1 || value > count)
         return;
     current = value;
     ui->spinBox_progress->setValue(value);
-    emit SendLidarDataSignal(frames.at(value - 1));
+    emitFrame(value - 1);
 }
 
 bool OffinePlayWidget::eventFilter(QObject* watched, QEvent* event)
@@ -360,7 +469,7 @@ bool OffinePlayWidget::eventFilter(QObject* watched, QEvent* event)
 
 void OffinePlayWidget::seekFromSpinBox()
 {
-    if (frames.isEmpty())
+    if (count == 0)
         return;
     // Judge the typed text, not value(): text the range rejects (0, an empty
     // box) never becomes the value, and silently showing the old position
@@ -377,7 +486,7 @@ void OffinePlayWidget::seekFromSpinBox()
     box->setValue(typed);
     current = typed;
     ui->horizontalSlider->setValue(current);
-    emit SendLidarDataSignal(frames.at(current - 1));
+    emitFrame(current - 1);
 }
 
 void OffinePlayWidget::stop()
@@ -387,8 +496,10 @@ void OffinePlayWidget::stop()
     loaded = false;
     file.clear();
     stopPlaybackTimer();
-    frames.clear();
-    packets.clear();
+    indexTimer->stop();
+    frames_.reset();  // stops the index and releases the file
+    indexing = false;
+    showIndexProgress();
     current = 0;
     count = 0;
     ui->label_maxNum->setText(QStringLiteral("0"));
@@ -416,6 +527,7 @@ void OffinePlayWidget::retranslate()
     if (exporting)
         ui->btn_export_csv->setText(exportText);
     ui->label_maxNum->setText(QStringLiteral("/") + QString::number(count));
+    showIndexProgress();
 }
 
 void OffinePlayWidget::showEvent(QShowEvent* event)

@@ -1,11 +1,14 @@
 #pragma once
 // The offline player: the "offline" page of the main window. It opens a
-// recording (or a tcpdump/Wireshark capture of a lidar's stream), has it
-// parsed into frames and sends them one by one, on a precise timer or step
-// by step, through SendLidarDataSignal into the same display slot that live
-// frames reach.
+// recording (or a tcpdump/Wireshark capture of a lidar's stream) and sends
+// its frames one by one, on a precise timer or step by step, through
+// SendLidarDataSignal into the same display slot that live frames reach.
+// A file is not decoded whole: an index of it grows on a thread of its own
+// while the first frames already play, and each frame is read from disk
+// when it is shown, so that recordings of hours cost little memory.
 
 #include "LidarRecords.h"
+#include "PlayerFrames.h"
 
 #include <QByteArray>
 #include <QString>
@@ -13,7 +16,9 @@
 #include <QWidget>
 #include <functional>
 
+class QProgressBar;
 class QPushButton;
+class QTimer;
 
 namespace Ui {
 class OffinePlayWidget;
@@ -54,10 +59,16 @@ public:
     void setOpenFileHook(OpenFileHook hook);
     void setCaptureModelHook(CaptureModelHook hook);
 
-    // Reads a tcpdump/Wireshark capture after asking for its model: the
-    // model's name and its frames. false when the user cancelled or nothing
-    // could be played (the user has been told why).
-    bool readCapture(const QString& path, QString& model, QVector<lidar::LidarDataPoint_V4>& captured);
+    // Opens a recording, or a capture after asking for its model, and
+    // waits a moment for its first frame. Null when the user cancelled or
+    // nothing can be played (the user has been told why).
+    std::unique_ptr<PlayerFrames> openSource(const QString& path, QString& model);
+    // Plays frames from `source` (from openSource), the first one at once
+    // if it is there, the others as the index finds them.
+    void loadSource(const QString& name, std::unique_ptr<PlayerFrames> source, const QString& path);
+    // True from the moment a file is loaded until the player has taken in
+    // the end of its index (the final count, any note).
+    bool isIndexing() const { return indexing; }
 
     // Playback state, read by the main window and by tests.
     int currentPosition() const { return current; }
@@ -77,8 +88,9 @@ signals:
     void SendPlaybackFileSignal(QString path);
 
 public slots:
-    // Asks for a recording and loads it; a progress dialog shows while it is
-    // parsed. Returns once the frames are loaded, refused or cancelled.
+    // Asks for a recording or a capture and loads it. Returns once its first
+    // frame is shown, or it was refused or cancelled, or (a file that takes
+    // long to give a frame) while its index grows.
     void openFile();
     void playPause();
     void previousFrame();
@@ -111,13 +123,22 @@ private:
     void retranslate();
     void showFileSaved(const QString& fileName);
     void inform(const QString& title, const QString& text);
+    // Follows the growing index: the first frame, the count, the end.
+    void followIndex();
+    void becomeLoaded();
+    void showIndexProgress();
+    // Frame `index` (0-based) to the display; false when it cannot be read.
+    bool emitFrame(int index);
 
     Ui::OffinePlayWidget* ui;
+    QProgressBar* indexProgress = nullptr;
+    QTimer* indexTimer = nullptr;
 
-    QVector<lidar::LidarDataPoint_V4> frames;
-    // The registry hands over frames only; kept so that Stop releases
-    // everything a loaded file holds.
-    QVector<QByteArray> packets;
+    // The loaded file's frames (or the one being opened).
+    std::unique_ptr<PlayerFrames> frames_;
+    QString model;
+    bool unreadableReported = false;
+    bool indexing = false;
     int current = 0;  // frame current - 1 was the last one shown
     int count = 0;
     int timerId = -1;

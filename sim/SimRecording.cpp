@@ -1,41 +1,53 @@
 #include "SimRecording.h"
 
-#include "RecordFile.h"
 #include "SimScanGenerator.h"
 
+#include <QDataStream>
 #include <QDateTime>
 #include <QSaveFile>
 
 namespace sim {
 
-QVector<QByteArray> recordingElements(const SimOptions& options, int revolutions)
+qint64 recordingElements(const SimOptions& options, int revolutions,
+                         const std::function<void(const QByteArray& element)>& element)
 {
-    QVector<QByteArray> elements;
-    elements.append(modelName(options.model).toLatin1());
+    qint64 count = 0;
+    const auto add = [&](const QByteArray& bytes) {
+        element(bytes);
+        ++count;
+    };
+    add(modelName(options.model).toLatin1());
     if (options.model == Model::Tern_P)
-        elements.append(QByteArray::number(options.firmware.versionNumber(), 10));
+        add(QByteArray::number(options.firmware.versionNumber(), 10));
 
     const qint64 startMs = options.gpsStartMs >= 0 ? options.gpsStartMs : QDateTime::currentMSecsSinceEpoch();
     ScanGenerator generator(options.model, options.seed, startMs * 1000, options.firmware.versionNumber());
     const DeviceState state = initialDeviceState(options.rpm, options.filter);
-    const int packets = revolutions * generator.layout().packetsPerRevolution + 1;
-    elements.reserve(elements.size() + packets);
-    for (int i = 0; i < packets; ++i)
-        elements.append(generator.nextPacket(state));
-    return elements;
+    const qint64 packets = qint64(revolutions) * generator.layout().packetsPerRevolution + 1;
+    for (qint64 i = 0; i < packets; ++i)
+        add(generator.nextPacket(state));
+    return count;
 }
 
 bool writeRecording(const SimOptions& options, int revolutions, const QString& fileName, QString* error)
 {
     QSaveFile file(fileName);
-    if (!file.open(QIODevice::WriteOnly)) {
+    const auto failed = [&] {
         *error = QStringLiteral("cannot write %1: %2").arg(fileName, file.errorString());
         return false;
-    }
-    if (!lidar::writeRecordElements(file, recordingElements(options, revolutions)) || !file.commit()) {
-        *error = QStringLiteral("cannot write %1: %2").arg(fileName, file.errorString());
-        return false;
-    }
+    };
+    if (!file.open(QIODevice::WriteOnly))
+        return failed();
+    // The count leads the file: a placeholder now, the real one once every
+    // element has been written.
+    QDataStream out(&file);
+    out << qint32(0);
+    const qint64 count = recordingElements(options, revolutions, [&out](const QByteArray& element) { out << element; });
+    if (out.status() != QDataStream::Ok || count > qint64(INT32_MAX) || !file.seek(0))
+        return failed();
+    out << qint32(count);
+    if (out.status() != QDataStream::Ok || !file.commit())
+        return failed();
     return true;
 }
 

@@ -6,18 +6,21 @@
 
 #include <QByteArray>
 #include <QString>
-#include <QVector>
+#include <functional>
 
 namespace sim {
 
-// The file's elements: the model's class name, for Tern_P the firmware
-// version number as decimal text, then the packets of `revolutions` whole
-// revolutions and the first packet of the next, which is what tells a
-// decoder that the last revolution is complete. Faults are not applied: a
-// recording holds the packets a decoder accepted.
-QVector<QByteArray> recordingElements(const SimOptions& options, int revolutions);
+// The file's elements in order, handed to `element` one at a time: the
+// model's class name, for Tern_P the firmware version number as decimal
+// text, then the packets of `revolutions` whole revolutions and the first
+// packet of the next, which is what tells a decoder that the last
+// revolution is complete. Faults are not applied: a recording holds the
+// packets a decoder accepted. Returns the number of elements.
+qint64 recordingElements(const SimOptions& options, int revolutions,
+                         const std::function<void(const QByteArray& element)>& element);
 
-// Writes those elements to `fileName`; false with a message on failure.
+// Writes those elements to `fileName` as they are made, so that a long
+// recording costs no memory; false with a message on failure.
 bool writeRecording(const SimOptions& options, int revolutions, const QString& fileName, QString* error);
 
 }  // namespace sim

@@ -4,13 +4,15 @@
 #include "LIdarFactory.h"
 #include "OffinePlayWidget.h"
 #include "PacketBuilders.h"
+#include "OfflineParseState.h"
 #include "RecordFile.h"
+#include "SlowOfflineParser.h"
 
 #include <QAbstractEventDispatcher>
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
-#include <QProgressDialog>
+#include <QProgressBar>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QSlider>
@@ -65,8 +67,8 @@ private slots:
     void frameBox();
     void openRefused_data();
     void openRefused();
-    void openKeepsTheWindowServed_data();
-    void openKeepsTheWindowServed();
+    void playsWhileTheIndexGrows();
+    void aRecordingCutShortPlaysWithANote();
 
 private:
     template <typename T>
@@ -247,39 +249,74 @@ void PlayerTest::openRefused()
     QVERIFY(!player->isLoaded() && spy->isEmpty());
 }
 
-void PlayerTest::openKeepsTheWindowServed_data()
+// A long file plays from its first frame while its index grows: the count,
+// the slider and the frame box follow it, play waits at the end of what is
+// indexed, and Stop ends the indexing at once.
+void PlayerTest::playsWhileTheIndexGrows()
 {
-    QTest::addColumn<bool>("cancel");
-    QTest::newRow("loaded when open returns") << false;
-    QTest::newRow("cancel leaves the player as it was") << true;
-}
-
-void PlayerTest::openKeepsTheWindowServed()
-{
-    QFETCH(bool, cancel);
-    // Long enough to report progress several times on the way.
     pathToOpen = dir.filePath("long.txt");
     QVERIFY(writeRecording(pathToOpen, QVector<QByteArray>{"Tern"} + testing::ternRevolutions(400)));
-    int asked = 0;
-    player->setOpenFileHook([&](const QString&, const QString&, const QString&) { return ++asked, pathToOpen; });
-    // Runs as soon as the parse lets events through: a second click on Open
-    // while the first loads, then perhaps Cancel.
-    bool served = false;
-    QTimer::singleShot(0, player, [&] {
-        served = true;
-        player->openFile();
-        if (cancel)
-            player->findChild<QProgressDialog*>()->cancel();
-    });
+    testing::settleOfflineParse("Tern");
+    auto* slider = child<QSlider>("horizontalSlider");
+    auto* spin = child<QSpinBox>("spinBox_progress");
+    auto* progress = child<QProgressBar>("progressBar_index");
+    {
+        testing::SlowParsing slow("Tern", 500);
+        click("btn_open_file");
+        QVERIFY(player->isLoaded() && player->isIndexing());
+        QCOMPARE(spy->size(), 1);
+        QVERIFY(progress->isVisible() && !child<QPushButton>("btn_open_file")->isEnabled());
+        QTRY_VERIFY_WITH_TIMEOUT(player->frameCount() > 10, 10000);
+        QVERIFY(player->frameCount() < 399);
+        QCOMPARE(slider->maximum(), player->frameCount());
+        QCOMPARE(spin->maximum(), player->frameCount());
+        QCOMPARE(child<QLabel>("label_maxNum")->text(), QString("/%1").arg(player->frameCount()));
+
+        // The last frame indexed so far, then playing on from it: a tick
+        // with nothing new indexed waits instead of ending playback.
+        player->lastFrame();
+        const int last = player->currentPosition();
+        click("btn_play");
+        tick();
+        QVERIFY(player->isPlaying());
+        QCOMPARE(player->currentPosition() >= last, true);
+
+        // Stop while indexing: nothing loaded, nothing indexing.
+        click("btn_stop");
+        QVERIFY(!player->isLoaded() && !player->isIndexing() && !progress->isVisible());
+        QVERIFY(child<QPushButton>("btn_open_file")->isEnabled());
+    }
+    // Opened again at full speed, it indexes to the end and says how many.
+    const int whole = LIdarFactory::GetInstance()->parseMap.value("Tern")(testing::ternRevolutions(400)).size();
+    testing::settleOfflineParse("Tern");
+    spy->clear();
     click("btn_open_file");
-    QVERIFY(served);
-    QCOMPARE(asked, 1);
-    QVERIFY(messages.isEmpty());
-    QCOMPARE(player->isLoaded(), !cancel);
-    QCOMPARE(player->frameCount(), cancel ? 0 : 399);
-    QCOMPARE(spy->size(), cancel ? 0 : 1);
-    QVERIFY(!player->findChild<QProgressDialog*>());
-    QCOMPARE(child<QPushButton>("btn_open_file")->isEnabled(), cancel);
+    QTRY_VERIFY_WITH_TIMEOUT(!player->isIndexing(), 10000);
+    QCOMPARE(player->frameCount(), whole);
+    QCOMPARE(child<QLabel>("label_maxNum")->text(), QString("/%1").arg(whole));
+    QVERIFY(!progress->isVisible() && messages.isEmpty());
+    spin->findChild<QLineEdit*>()->setText(QString::number(whole));
+    QTest::keyClick(spin->findChild<QLineEdit*>(), Qt::Key_Return);
+    QCOMPARE(shown(*spy).size(), 2);
+}
+
+// A recording that ends inside a packet (cut short, or still being
+// written) plays the frames before the cut and says why there are no more.
+void PlayerTest::aRecordingCutShortPlaysWithANote()
+{
+    pathToOpen = dir.filePath("cut.txt");
+    const QVector<QByteArray> packets = testing::ternRevolutions(10);
+    QVERIFY(writeRecording(pathToOpen, QVector<QByteArray>{"Tern"} + packets, 4 + 8 + 200 * 96 + 30));
+    testing::settleOfflineParse("Tern");
+    const int whole = LIdarFactory::GetInstance()->parseMap.value("Tern")(packets.mid(0, 200)).size();
+    testing::settleOfflineParse("Tern");
+    click("btn_open_file");
+    QTRY_VERIFY_WITH_TIMEOUT(!player->isIndexing(), 10000);
+    QVERIFY(player->isLoaded());
+    QCOMPARE(player->frameCount(), whole);
+    QCOMPARE(messages.size(), 1);
+    QVERIFY2(messages[0].startsWith("information: The recording ends early") && messages[0].contains(pathToOpen),
+             qPrintable(messages[0]));
 }
 
 QTEST_MAIN(PlayerTest)

@@ -1,0 +1,84 @@
+#include "IndexedFrameReader.h"
+
+namespace lidar {
+
+IndexedFrameReader::IndexedFrameReader(QString fileName, std::shared_ptr<const FrameIndex> index)
+    : fileName_(std::move(fileName)), index_(std::move(index))
+{
+}
+
+const LidarDataPoint_V4* IndexedFrameReader::cached(qint64 number) const
+{
+    for (const auto& entry : cache_)
+        if (entry.first == number)
+            return &entry.second;
+    return nullptr;
+}
+
+void IndexedFrameReader::keep(qint64 number, const LidarDataPoint_V4& frame)
+{
+    if (cached(number))
+        return;
+    cache_.emplace_back(number, frame);  // the points are shared, not copied
+    if (cache_.size() > size_t(kCachedFrames))
+        cache_.pop_front();
+}
+
+bool IndexedFrameReader::frame(qint64 number, LidarDataPoint_V4& out)
+{
+    if (const LidarDataPoint_V4* hit = cached(number)) {
+        out = *hit;
+        return true;
+    }
+    if (!decode(number, out))
+        return false;
+    keep(number, out);
+    return true;
+}
+
+void IndexedFrameReader::readAhead(qint64 number)
+{
+    if (number < 0 || number >= index_->frames() || cached(number))
+        return;
+    LidarDataPoint_V4 frame;
+    if (decode(number, frame))
+        keep(number, frame);
+}
+
+bool IndexedFrameReader::decode(qint64 number, LidarDataPoint_V4& out)
+{
+    if (number < 0 || number >= index_->frames())
+        return false;
+    const RecordingCursor::Checkpoint checkpoint = index_->checkpointBefore(number);
+    if (!checkpoint.parser)
+        return false;
+    // Straight on from the frame given last when that is no further than
+    // from the checkpoint.
+    const bool goOn = cursor_ && cursor_->problem() == RecordingCursor::Problem::None
+                      && cursor_->nextFrameNumber() <= number && cursor_->nextFrameNumber() >= checkpoint.frames;
+    if (!goOn) {
+        if (!cursor_) {
+            cursor_ = std::make_unique<RecordingCursor>(fileName_, kPieceSize);
+            if (!cursor_->open()) {
+                cursor_.reset();
+                return false;
+            }
+        }
+        if (!cursor_->resume(checkpoint))
+            return false;
+    }
+    LidarDataPoint_V4 frame;
+    while (cursor_->nextFrameNumber() <= number) {
+        const qint64 at = cursor_->nextFrameNumber();
+        if (!cursor_->next(frame))
+            return false;  // fewer frames than the index found: the file changed
+        ++decoded_;
+        if (at == number) {
+            out = std::move(frame);
+            return true;
+        }
+    }
+    return false;
+}
+
+}  // namespace lidar
