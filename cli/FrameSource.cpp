@@ -2,9 +2,9 @@
 
 #include "CaptureFrames.h"
 #include "CliSupport.h"
+#include "FileScanGeometry.h"
 #include "LIdarFactory.h"
 #include "RecordFile.h"
-#include "RecordReader.h"
 #include "RecordingCheck.h"
 #include "RecordingHeader.h"
 #include "RecordingStream.h"
@@ -12,7 +12,6 @@
 
 #include <QCommandLineParser>
 #include <QDateTime>
-#include <QFile>
 #include <QFileInfo>
 
 namespace cli {
@@ -65,25 +64,7 @@ public:
         return stream_->fileSize() > 0 ? double(stream_->position()) / double(stream_->fileSize()) : 1.0;
     }
 
-    // The packets are read as they are, without decoding them: the offline
-    // decoders keep state from one call to the next.
-    lidar::ScanGeometry scanGeometry() const override
-    {
-        QFile file(path_);
-        if (!file.open(QIODevice::ReadOnly))
-            return {};
-        lidar::RecordReader reader(file, kProbePieceSize);
-        QByteArray element;
-        for (int skip = 1 + lidar::recordPrefixElements(model()); skip > 0; --skip)
-            if (!reader.next(element))
-                return {};
-        while (reader.next(element)) {
-            const lidar::ScanGeometry geometry = lidar::scanGeometry(model(), element);
-            if (geometry.isValid())
-                return geometry;
-        }
-        return {};
-    }
+    lidar::ScanGeometry scanGeometry() const override { return lidar::recordingScanGeometry(path_); }
 
     QStringList times() const override
     {
@@ -117,8 +98,6 @@ private:
             return QStringLiteral("none (no data packet)");
         return lidar::tern::dateTimeText(lidar::tern::readCalendar(packet, calendarOffset(packet)));
     }
-
-    static constexpr int kProbePieceSize = 64 * 1024;
 
     QString path_;
     std::unique_ptr<lidar::RecordingStream> stream_;
@@ -175,21 +154,9 @@ public:
 
     double fractionRead() const override { return fraction_; }
 
-    // A datagram usually carries one packet; one that carries several is
-    // looked at from each header in it.
     lidar::ScanGeometry scanGeometry() const override
     {
-        capture::CaptureFile file;
-        if (!file.open(path_))
-            return {};
-        lidar::ScanGeometry geometry;
-        file.readDatagrams(options_.port, [&](const QByteArray& payload) {
-            for (int at = payload.indexOf(lidar::decode::kHeader); at >= 0 && !geometry.isValid();
-                 at = payload.indexOf(lidar::decode::kHeader, at + 1))
-                geometry = lidar::scanGeometry(options_.model, at == 0 ? payload : payload.mid(at));
-            return !geometry.isValid();
-        });
-        return geometry;
+        return lidar::captureScanGeometry(path_, options_.model, options_.port);
     }
 
 private:
