@@ -7,6 +7,7 @@
 #include "CaptureFile.h"
 #include "ColourLegendOverlay.h"
 #include "IniSettings.h"
+#include "ProgramFiles.h"
 #include "KeyboardShortcuts.h"
 #include "LIdarFactory.h"
 #include "LiveFrameQueue.h"
@@ -63,8 +64,6 @@
 
 namespace {
 
-const QString kStyleSheetFile = QStringLiteral("./qss/MacOS.qss");
-const QString kTranslationFile = QStringLiteral("./scandeck_zh.qm");
 // Qt's own texts (OK, Cancel, Yes, No, the file dialogs) from Qt's translations.
 const QString kQtTranslation = QStringLiteral("qtbase_zh_CN");
 const QString kChinese = QStringLiteral("中文");
@@ -303,7 +302,7 @@ void ScanDeck::resetReadouts()
 
 void ScanDeck::applyStyleSheet()
 {
-    QFile file(kStyleSheetFile);
+    QFile file(ProgramFiles::styleSheet());
     if (!file.open(QIODevice::ReadOnly))
         return;
     QByteArray sheet = file.readAll();
@@ -329,7 +328,7 @@ void ScanDeck::switchLanguage(const QString& text)
     const QString title = windowTitle();
     if (!m_translator)
         m_translator = new QTranslator(this);
-    m_translator->load(kTranslationFile);
+    m_translator->load(ProgramFiles::translation());
     if (!m_qtTranslator) {
         m_qtTranslator = new QTranslator(this);
         m_qtTranslator->load(kQtTranslation, QLibraryInfo::location(QLibraryInfo::TranslationsPath));

@@ -1,5 +1,6 @@
 #include "DemoLidar.h"
 #include "LIdarFactory.h"
+#include "ProgramFiles.h"
 #include "ScanDeck.h"
 #include "TerminationSignals.h"
 #include "UserMessages.h"
@@ -15,6 +16,9 @@ int main(int argc, char* argv[])
     vtkObject::SetGlobalWarningDisplay(0);
     ScanDeck::prepareGraphics();
     QApplication app(argc, argv);
+    // Installed: its own files beside the installation, the settings per user.
+    if (!ProgramFiles::locate(ProgramFiles::UserSettings::CreateFromShipped))
+        std::fprintf(stderr, "scandeck: %s\n", qPrintable(ProgramFiles::problem()));
 
     // "--demo [<Model>]": start on a simulated lidar inside the program.
     const DemoLidar::Request demo = DemoLidar::fromArguments(QApplication::arguments());

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Times scandeck-cli on a 10-minute recording of a simulated lidar (6,000
-# revolutions at 600 r/min): converting it to CSV, PCD and PLY (points per
+# revolutions at 600 r/min): converting it to CSV, PCD, PLY and a ROS bag (points per
 # second and peak memory from /usr/bin/time -v), and reading it against
 # reading a pcap capture of the same packets (packets per second).
 #
@@ -28,7 +28,7 @@ rate() { awk -v n="$1" -v s="$2" 'BEGIN { printf "%.0f", (s > 0 ? n / s : 0) }';
 echo "10-minute $model recording: $(du -h "$work/rec.txt" | cut -f1) on disk, pcap $(du -h "$work/rec.pcap" | cut -f1)"
 echo
 printf "%-26s %9s %14s %10s %10s\n" "convert to" "seconds" "points/s" "peak MB" "output"
-for format in "csv" "pcd" "pcd --merge" "pcd --ascii --merge" "ply" "ply --merge"; do
+for format in "csv" "pcd" "pcd --merge" "pcd --ascii --merge" "ply" "ply --merge" "bag"; do
     target="$work/out.${format// /_}"
     # shellcheck disable=SC2086
     timed "$build/scandeck-cli" convert "$work/rec.txt" -o "$target" --format $format

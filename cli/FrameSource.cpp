@@ -2,6 +2,7 @@
 
 #include "CaptureFrames.h"
 #include "CliSupport.h"
+#include "FileScanGeometry.h"
 #include "LIdarFactory.h"
 #include "RecordFile.h"
 #include "RecordingCheck.h"
@@ -11,6 +12,7 @@
 
 #include <QCommandLineParser>
 #include <QDateTime>
+#include <QFileInfo>
 
 namespace cli {
 namespace {
@@ -24,7 +26,10 @@ QString knownModels()
 // frame; what 'info' tells about its packets is gathered on the same pass.
 class RecordingSource : public FrameSource {
 public:
-    explicit RecordingSource(std::unique_ptr<lidar::RecordingStream> stream) : stream_(std::move(stream)) {}
+    RecordingSource(QString path, std::unique_ptr<lidar::RecordingStream> stream)
+        : path_(std::move(path)), stream_(std::move(stream))
+    {
+    }
 
     QString model() const override { return stream_->model(); }
 
@@ -53,6 +58,13 @@ public:
         lines << QStringLiteral("packets:           %1").arg(stream_->packets());
         return lines;
     }
+
+    double fractionRead() const override
+    {
+        return stream_->fileSize() > 0 ? double(stream_->position()) / double(stream_->fileSize()) : 1.0;
+    }
+
+    lidar::ScanGeometry scanGeometry() const override { return lidar::recordingScanGeometry(path_); }
 
     QStringList times() const override
     {
@@ -87,6 +99,7 @@ private:
         return lidar::tern::dateTimeText(lidar::tern::readCalendar(packet, calendarOffset(packet)));
     }
 
+    QString path_;
     std::unique_ptr<lidar::RecordingStream> stream_;
     QByteArray first_, last_;  // the first and last data packets with a calendar time
 };
@@ -104,7 +117,11 @@ public:
 
     bool run(const FrameSink& sink, QString& error) override
     {
-        result_ = capture::readCaptureFrames(path_, options_, sink);
+        const qint64 size = QFileInfo(path_).size();
+        result_ = capture::readCaptureFrames(path_, options_, sink, [this, size](qint64 read) {
+            if (read >= 0 && size > 0)
+                fraction_ = double(read) / double(size);
+        });
         if (!result_.ok)
             error = result_.error;
         return result_.ok;
@@ -135,10 +152,18 @@ public:
 
     QStringList warnings() const override { return result_.warnings; }
 
+    double fractionRead() const override { return fraction_; }
+
+    lidar::ScanGeometry scanGeometry() const override
+    {
+        return lidar::captureScanGeometry(path_, options_.model, options_.port);
+    }
+
 private:
     QString path_;
     capture::CaptureOptions options_;
     capture::CaptureFramesResult result_;
+    double fraction_ = 0.0;
 };
 
 }  // namespace
@@ -174,7 +199,7 @@ std::unique_ptr<FrameSource> openFrameSource(const QString& path, const SourceOp
         error = QStringLiteral("%1: the recording is of model %2, not %3").arg(path, stream->model(), options.model);
         return nullptr;
     }
-    return std::make_unique<RecordingSource>(std::move(stream));
+    return std::make_unique<RecordingSource>(path, std::move(stream));
 }
 
 }  // namespace cli

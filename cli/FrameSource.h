@@ -4,6 +4,7 @@
 // through a model's live stream cutting. Frames come out one at a time.
 
 #include "LidarRecords.h"
+#include "ModelGeometry.h"
 
 #include <QString>
 #include <QStringList>
@@ -33,6 +34,12 @@ public:
     virtual QStringList times() const = 0;
     // What was skipped on the way, once run() has run.
     virtual QStringList warnings() const { return {}; }
+    // How much of the input run() has read so far, 0 to 1.
+    virtual double fractionRead() const = 0;
+    // The model's scan geometry from the first whole data packet of the
+    // input, read ahead from its start without disturbing run(); invalid
+    // when no packet gives it.
+    virtual lidar::ScanGeometry scanGeometry() const = 0;
 };
 
 // Null with `error` set when the file cannot be used. `usage` tells whether

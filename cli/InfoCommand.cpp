@@ -2,6 +2,7 @@
 
 #include "CliSupport.h"
 #include "FrameSource.h"
+#include "ProgressLine.h"
 
 #include <QCommandLineParser>
 
@@ -9,7 +10,7 @@ namespace cli {
 namespace {
 
 const char* const kHelp =
-    "Usage: scandeck-cli info <recording|capture> [--model <Name>] [--port <n>] [--firmware <n>]\n"
+    "Usage: scandeck-cli info <recording|capture> [--model <Name>] [--port <n>] [--firmware <n>] [--quiet]\n"
     "\n"
     "Prints the model of a recording, its number of packets, complete frames\n"
     "and points, and for models that stamp their packets with GPS time\n"
@@ -23,6 +24,7 @@ const char* const kHelp =
     "  --model <Name>         the lidar model of a capture: %1\n"
     "  --port <n>             a capture's data port (default 2368)\n"
     "  --firmware <n>         a capture's Tern_P firmware version number\n"
+    "  -q, --quiet            no progress line on a terminal\n"
     "  -h, --help             show this help\n"
     "\n"
     "Exit status: 0 success, 1 the input could not be read, 2 bad arguments.\n";
@@ -33,6 +35,8 @@ int runInfo(const QStringList& arguments)
 {
     const QString command = QStringLiteral("info");
     QCommandLineParser parser;
+    const QCommandLineOption quiet({"q", "quiet"}, "No progress line.");
+    parser.addOption(quiet);
     addSourceOptions(parser);
     parser.addPositionalArgument("input", "Recording or capture.");
     QString input;
@@ -46,13 +50,17 @@ int runInfo(const QStringList& arguments)
     QString error;
 
     qint64 frames = 0, points = 0;
-    if (!source->run(
-            [&](lidar::LidarDataPoint_V4& frame) {
-                ++frames;
-                points += qint64(frame.pointCount());
-                return true;
-            },
-            error))
+    ProgressLine progress(parser.isSet(quiet));
+    const bool read = source->run(
+        [&](lidar::LidarDataPoint_V4& frame) {
+            ++frames;
+            points += qint64(frame.pointCount());
+            progress.update(source->fractionRead(), frames);
+            return true;
+        },
+        error);
+    progress.clear();
+    if (!read)
         return fileError(input, error);
 
     printOut(QStringLiteral("file:              %1").arg(input));

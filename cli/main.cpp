@@ -2,6 +2,7 @@
 
 #include "CliSupport.h"
 #include "LIdarFactory.h"
+#include "ProgramFiles.h"
 
 #include <QCoreApplication>
 #include <cstdio>
@@ -12,9 +13,9 @@ const char* const kUsage =
     "Usage: scandeck-cli <command> [options]\n"
     "\n"
     "Commands:\n"
-    "  convert <recording|capture> -o <output> [--format csv|pcd|ply] [--merge] [--model <Name>]\n"
+    "  convert <recording|capture> -o <output> [--format csv|pcd|ply|bag] [--merge] [--model <Name>]\n"
     "          write the complete frames of a recording or a pcap/pcapng capture\n"
-    "          as CSV, PCD or PLY\n"
+    "          as CSV, PCD, PLY or a ROS bag\n"
     "  info <recording|capture> [--model <Name>]\n"
     "          model, packets, frames, points and packet times of a recording\n"
     "          or a capture\n"
@@ -24,7 +25,8 @@ const char* const kUsage =
     "         [--frames <n>] [--timeout <s>] [-o <out.csv>] [--record <file>]\n"
     "          receive frames from a live lidar\n"
     "\n"
-    "'scandeck-cli <command> --help' describes a command.\n"
+    "'scandeck-cli <command> --help' describes a command. On a terminal, convert\n"
+    "and info show their progress on standard error (--quiet: none).\n"
     "Models: %1\n"
     "Exit status: 0 success, 1 failure, 2 bad arguments.\n";
 
@@ -66,6 +68,8 @@ int main(int argc, char* argv[])
     QCoreApplication app(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("scandeck-cli"));
     QCoreApplication::setApplicationVersion(QStringLiteral("1.0.2"));
+    // Installed, 'listen' reads the operator's settings file, or the shipped one.
+    ProgramFiles::locate(ProgramFiles::UserSettings::ReadShippedIfNone);
     const int code = run(QCoreApplication::arguments());
     LIdarFactory::GetInstance()->Shutdown();
     return code;

@@ -1,5 +1,7 @@
 #include "IniSettings.h"
 
+#include "ProgramFiles.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -271,7 +273,7 @@ int insertionLine(const IniDocument& doc, const QString& group)
 
 QString IniSettings::defaultPath()
 {
-    return QStringLiteral("./ini/connect_type.ini");
+    return ProgramFiles::settingsFile();
 }
 
 IniSettings::IniSettings(const QString& path) : m_path(path) {}

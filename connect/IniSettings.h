@@ -1,5 +1,6 @@
 #pragma once
-// The program's INI settings file ("./ini/connect_type.ini"): model list,
+// The program's INI settings file ("./ini/connect_type.ini", or the
+// operator's own for an installed program, see ProgramFiles.h): model list,
 // per-model capabilities and the last network parameters.
 //
 // Keys and group names are matched without regard to case ("LiDAR IP" and
@@ -19,7 +20,7 @@
 
 class IniSettings {
 public:
-    // Where the program looks for its settings, relative to the working directory.
+    // Where the program looks for its settings (ProgramFiles::settingsFile()).
     static QString defaultPath();
 
     explicit IniSettings(const QString& path = defaultPath());
