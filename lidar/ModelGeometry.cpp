@@ -58,7 +58,8 @@ ScanGeometry wrenGeometry(decode::Bytes bytes, int packetSize, uint8_t type, int
         || !wren::checksumMatches(bytes, 0, packetSize))
         return {};
     constexpr int kStartOffset = 5;
-    return {wren::groupAngles<double>(bytes, kStartOffset, endOffset).step, kNearest, kSixteenBitRange};
+    const uint16_t start = decode::be16(bytes, kStartOffset), end = decode::be16(bytes, endOffset);
+    return {wren::groupAngles<double>(start, end).step, kNearest, kSixteenBitRange};
 }
 
 }  // namespace
