@@ -52,6 +52,9 @@ OffinePlayWidget::OffinePlayWidget(QWidget* parent) : QWidget(parent), ui(new Ui
     indexProgress->setRange(0, 1000);
     indexProgress->setMaximumWidth(140);
     indexProgress->hide();
+    exportBagButton = new QPushButton(tr("Export bag"), this);
+    exportBagButton->setObjectName(QStringLiteral("btn_export_bag"));
+    exportBagButton->setToolTip(tr("Writes frames of the file to a ROS bag (LaserScan and PointCloud2)"));
     indexTimer = new QTimer(this);
     indexTimer->setInterval(kFollowIndexMs);
     connect(indexTimer, &QTimer::timeout, this, &OffinePlayWidget::followIndex);
@@ -83,7 +86,7 @@ void OffinePlayWidget::arrangeControls()
     flow->addWidget(FlowLayout::group({ui->label, ui->comboBox}, this));
     flow->addWidget(FlowLayout::group({ui->horizontalSlider, ui->spinBox_progress, ui->label_maxNum, indexProgress},
                                       this, true));
-    flow->addWidget(FlowLayout::group({ui->btn_table, ui->btn_export_csv}, this));
+    flow->addWidget(FlowLayout::group({ui->btn_table, ui->btn_export_csv, exportBagButton}, this));
 }
 
 void OffinePlayWidget::setMessageHook(MessageHook hook)
@@ -180,6 +183,7 @@ void OffinePlayWidget::connectControls()
             ui->btn_export_csv->setChecked(false);  // nothing would ever end it
     });
     connect(this, &OffinePlayWidget::SendEndSaveDataSignal, this, &OffinePlayWidget::showFileSaved);
+    connect(exportBagButton, &QPushButton::clicked, this, &OffinePlayWidget::exportBag);
 }
 
 void OffinePlayWidget::setControlsLoaded(bool isLoaded)
@@ -193,6 +197,7 @@ void OffinePlayWidget::setControlsLoaded(bool isLoaded)
         control->setEnabled(isLoaded);
     ui->btn_circulation->setEnabled(true);
     ui->btn_table->setEnabled(true);
+    exportBagButton->setEnabled(isLoaded);
 }
 
 void OffinePlayWidget::openFile()
@@ -237,6 +242,11 @@ void OffinePlayWidget::loadSource(const QString& name, std::unique_ptr<PlayerFra
     frames_ = std::move(source);
     model = name;
     file = path;
+    bagSource = BagSource{name, path, capture::looksLikeCaptureFile(path), capture::kDefaultDataPort};
+    if (bagSource.capture) {
+        QString chosenModel;
+        CaptureModelDialog::lastChoice(chosenModel, bagSource.port);
+    }
     unreadableReported = false;
     indexing = true;
     followIndex();
@@ -509,6 +519,26 @@ void OffinePlayWidget::stop()
     if (wasLoaded)
         emit SendPlaybackFileSignal(QString());
     emit SendLidarDataSignal(emptyFrame());
+}
+
+void OffinePlayWidget::exportBag()
+{
+    if (count == 0)
+        return;
+    BagExportDialog dialog(model, count, this);
+    const bool accepted = bagExportHook ? bagExportHook(dialog) : dialog.exec() == QDialog::Accepted;
+    if (!accepted)
+        return;
+    const bool wasPlaying = playing;
+    if (wasPlaying)
+        playPause();  // the frames are read in turn while the bag is written
+    QString error;
+    bool cancelled = false;
+    const BagExportRequest request = dialog.request();
+    if (::exportBag(this, *frames_, bagSource, request, error, cancelled))
+        inform(tr("File saved"), tr("File save path:%1").arg(request.path));
+    else if (!cancelled)
+        inform(tr("warning"), tr("File save failed!") + QLatin1Char('\n') + error);
 }
 
 void OffinePlayWidget::showFileSaved(const QString& fileName)

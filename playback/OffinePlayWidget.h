@@ -8,6 +8,7 @@
 // when it is shown, so that recordings of hours cost little memory.
 
 #include "LidarRecords.h"
+#include "PlayerBagExport.h"
 #include "PlayerFrames.h"
 
 #include <QByteArray>
@@ -39,6 +40,8 @@ public:
     // Asks which model sent a capture and to which data port, starting from
     // the last choice; false when the user cancels.
     using CaptureModelHook = std::function<bool(QString& model, quint16& port)>;
+    // The bag export's dialog: fills the request and returns true for OK.
+    using BagExportHook = std::function<bool(BagExportDialog& dialog)>;
 
     explicit OffinePlayWidget(QWidget* parent = nullptr);
     ~OffinePlayWidget() override;
@@ -58,6 +61,7 @@ public:
     void setMessageHook(MessageHook hook);
     void setOpenFileHook(OpenFileHook hook);
     void setCaptureModelHook(CaptureModelHook hook);
+    void setBagExportHook(BagExportHook hook) { bagExportHook = std::move(hook); }
 
     // Opens a recording, or a capture after asking for its model, and
     // waits a moment for its first frame. Null when the user cancelled or
@@ -103,6 +107,8 @@ public slots:
     // Unloads the file and empties the display with an empty frame.
     void stop();
     void setSpeed(int index);
+    // "Export bag": a range of the frames to a ROS bag.
+    void exportBag();
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -132,6 +138,7 @@ private:
 
     Ui::OffinePlayWidget* ui;
     QProgressBar* indexProgress = nullptr;
+    QPushButton* exportBagButton = nullptr;
     QTimer* indexTimer = nullptr;
 
     // The loaded file's frames (or the one being opened).
@@ -152,4 +159,6 @@ private:
     MessageHook messageHook;
     OpenFileHook openFileHook;
     CaptureModelHook captureModelHook;
+    BagExportHook bagExportHook;
+    BagSource bagSource;
 };

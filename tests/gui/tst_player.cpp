@@ -12,6 +12,7 @@
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
+#include <QProcess>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QSignalSpy>
@@ -69,6 +70,7 @@ private slots:
     void openRefused();
     void playsWhileTheIndexGrows();
     void aRecordingCutShortPlaysWithANote();
+    void exportsARangeToABag();
 
 private:
     template <typename T>
@@ -317,6 +319,47 @@ void PlayerTest::aRecordingCutShortPlaysWithANote()
     QCOMPARE(messages.size(), 1);
     QVERIFY2(messages[0].startsWith("information: The recording ends early") && messages[0].contains(pathToOpen),
              qPrintable(messages[0]));
+}
+
+// "Export bag" writes the frames of the range asked for, numbered as the
+// player numbers them, and only a whole bag under its name; a bag that
+// cannot be written is reported.
+void PlayerTest::exportsARangeToABag()
+{
+    pathToOpen = dir.filePath("bag.txt");
+    QVERIFY(writeRecording(pathToOpen, QVector<QByteArray>{"Tern"} + testing::ternRevolutions(12)));
+    click("btn_open_file");
+    QTRY_VERIFY_WITH_TIMEOUT(!player->isIndexing(), 10000);
+    QString target = dir.filePath("range.bag");
+    int proposedLast = 0;
+    player->setBagExportHook([&](BagExportDialog& dialog) {
+        proposedLast = dialog.findChild<QSpinBox*>("spinBox_last_frame")->value();
+        dialog.findChild<QSpinBox*>("spinBox_first_frame")->setValue(2);
+        dialog.findChild<QSpinBox*>("spinBox_last_frame")->setValue(5);
+        dialog.findChild<QLineEdit*>("lineEdit_path")->setText(target);
+        return true;
+    });
+    click("btn_export_bag");
+    QCOMPARE(proposedLast, player->frameCount());  // every frame unless told otherwise
+    QCOMPARE(messages, QStringList{"File saved: File save path:" + target});
+    QProcess python;
+    python.start("/usr/bin/python3", {QStringLiteral(SCANDECK_SOURCE_DIR "/tests/cli/read_bag.py"), target});
+    QVERIFY(python.waitForFinished(60000) && python.exitCode() == 0);
+    QStringList seqs;
+    for (const QByteArray& line : python.readAllStandardOutput().split('\n')) {
+        if (line.startsWith("topic "))
+            QVERIFY2(line.endsWith(" 4"), line.constData());
+        if (line.startsWith("scan "))
+            seqs << QString::fromLatin1(line.split(' ').value(1));
+    }
+    QCOMPARE(seqs, QStringList({"2", "3", "4", "5"}));
+
+    messages.clear();
+    target = dir.filePath("no such folder/range.bag");
+    click("btn_export_bag");
+    QCOMPARE(messages.size(), 1);
+    QVERIFY2(messages[0].startsWith("warning: File save failed!"), qPrintable(messages[0]));
+    QVERIFY(!QFile::exists(target));
 }
 
 QTEST_MAIN(PlayerTest)
