@@ -33,6 +33,40 @@
     </message>
 </context>
 <context>
+    <name>BagExportDialog</name>
+    <message>
+        <location filename="../playback/PlayerBagExport.cpp" line="+23"/>
+        <location line="+14"/>
+        <source>Export bag</source>
+        <translation>导出 ROS bag</translation>
+    </message>
+    <message>
+        <location line="-3"/>
+        <source>Browse</source>
+        <translation>浏览</translation>
+    </message>
+    <message>
+        <location line="+3"/>
+        <source>ROS bags (*.bag)</source>
+        <translation>ROS bag 文件 (*.bag)</translation>
+    </message>
+    <message>
+        <location line="+11"/>
+        <source>First frame</source>
+        <translation>起始帧</translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>Last frame</source>
+        <translation>结束帧</translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>File</source>
+        <translation>文件</translation>
+    </message>
+</context>
+<context>
     <name>BoxSelectionDialog</name>
     <message>
         <location filename="../measure/BoxSelectionDialog.cpp" line="+10"/>
@@ -64,7 +98,7 @@
         <translation>不支持 %3 的链路类型 %1（%2）：只能读取以太网、Linux cooked（SLL、SLL2）、原始 IP 和 BSD 回环的抓包文件</translation>
     </message>
     <message>
-        <location line="+48"/>
+        <location line="+54"/>
         <source>The capture is damaged or cut short after %1 packets (%2); what came before is used</source>
         <translation>抓包文件在第 %1 个数据包之后损坏或被截断（%2）；已使用之前的数据</translation>
     </message>
@@ -94,9 +128,14 @@
         <translation>；其中的 UDP 数据报发往端口 %1</translation>
     </message>
     <message>
-        <location filename="../lidar/CaptureFrames.cpp" line="+19"/>
+        <location filename="../lidar/CaptureFrames.cpp" line="+20"/>
         <source>Unknown lidar model &quot;%1&quot;</source>
         <translation>未知的雷达型号“%1”</translation>
+    </message>
+    <message>
+        <location filename="../lidar/CaptureIndexer.cpp" line="+52"/>
+        <source>The decoded frames could not be kept (%1): the capture plays up to frame %2</source>
+        <translation>无法保存解码后的帧（%1）：抓包文件只能播放到第 %2 帧</translation>
     </message>
 </context>
 <context>
@@ -120,6 +159,14 @@
         <location line="+1"/>
         <source>Data port:</source>
         <translation>数据端口：</translation>
+    </message>
+</context>
+<context>
+    <name>CaptureSpillFrames</name>
+    <message>
+        <location filename="../playback/PlayerFrames.cpp" line="+87"/>
+        <source>Unable to parse this file</source>
+        <translation>无法解析该文件</translation>
     </message>
 </context>
 <context>
@@ -475,6 +522,14 @@
     </message>
 </context>
 <context>
+    <name>MemoryFrames</name>
+    <message>
+        <location filename="../playback/PlayerFrames.cpp" line="+11"/>
+        <source>Unable to parse this file</source>
+        <translation>无法解析该文件</translation>
+    </message>
+</context>
+<context>
     <name>OffinePlayWidget</name>
     <message>
         <location filename="../playback/OffinePlayWidget.ui" line="+19"/>
@@ -562,18 +617,19 @@
         <translation>导出 CSV</translation>
     </message>
     <message>
-        <location filename="../playback/OffinePlayWidget.cpp" line="+110"/>
-        <location line="+4"/>
-        <location line="+4"/>
-        <location line="+59"/>
-        <location line="+22"/>
-        <location line="+11"/>
-        <location line="+162"/>
+        <location filename="../playback/OffinePlayWidget.cpp" line="+144"/>
+        <location line="+5"/>
+        <location line="+62"/>
+        <location line="+21"/>
+        <location line="+45"/>
+        <location line="+15"/>
+        <location line="+39"/>
+        <location line="+160"/>
         <source>information</source>
         <translation>提示</translation>
     </message>
     <message>
-        <location line="-195"/>
+        <location line="-280"/>
         <source>Please disconnect first!</source>
         <translation>请先断开连接！</translation>
     </message>
@@ -583,19 +639,29 @@
         <translation>打开文件</translation>
     </message>
     <message>
-        <location line="-70"/>
-        <location line="+96"/>
+        <location line="+14"/>
         <location filename="../playback/RecordingRefusal.cpp" line="+12"/>
         <source>Unable to parse this file</source>
         <translation>无法解析该文件</translation>
     </message>
     <message>
-        <location line="-29"/>
+        <location line="-17"/>
         <source>Recordings (*.txt)</source>
         <translation>录制文件 (*.txt)</translation>
     </message>
     <message>
-        <location line="+0"/>
+        <location line="-160"/>
+        <location filename="../playback/PlayerBagExport.cpp" line="+31"/>
+        <source>Export bag</source>
+        <translation>导出 ROS bag</translation>
+    </message>
+    <message>
+        <location line="+2"/>
+        <source>Writes frames of the file to a ROS bag (LaserScan and PointCloud2)</source>
+        <translation>将文件中的帧写入 ROS bag（LaserScan 和 PointCloud2）</translation>
+    </message>
+    <message>
+        <location line="+158"/>
         <source>Captures (*.pcap *.pcapng)</source>
         <translation>抓包文件 (*.pcap *.pcapng)</translation>
     </message>
@@ -605,22 +671,44 @@
         <translation>所有文件 (*)</translation>
     </message>
     <message>
-        <location line="+190"/>
+        <location line="+87"/>
+        <source>Indexing %1%</source>
+        <translation>正在建立索引 %1%</translation>
+    </message>
+    <message>
+        <location line="+28"/>
+        <source>Frame %1 cannot be read: the file has changed since it was opened. The frames before it still play.</source>
+        <translation>无法读取第 %1 帧：文件在打开后已被修改。之前的帧仍可播放。</translation>
+    </message>
+    <message>
+        <location line="+160"/>
         <source>There is an error in the input. Please enter it again</source>
         <translation>输入有误，请重新输入</translation>
     </message>
     <message>
-        <location line="+33"/>
+        <location line="+48"/>
+        <location line="+7"/>
         <source>File saved</source>
         <translation>文件已保存</translation>
     </message>
     <message>
-        <location line="+0"/>
+        <location line="-7"/>
+        <location line="+7"/>
         <source>File save path:%1</source>
         <translation>文件保存路径：%1</translation>
     </message>
     <message>
-        <location line="+2"/>
+        <location line="-5"/>
+        <source>warning</source>
+        <translation>警告</translation>
+    </message>
+    <message>
+        <location line="+0"/>
+        <source>File save failed!</source>
+        <translation>文件保存失败！</translation>
+    </message>
+    <message>
+        <location line="+7"/>
         <source>Export CSV</source>
         <translation>导出 CSV</translation>
     </message>
@@ -628,6 +716,26 @@
         <location filename="../playback/RecordingRefusal.cpp" line="+5"/>
         <source>The recording was cut short. &quot;scandeck-cli repair %1&quot; makes its complete packets readable again.</source>
         <translation>该录制文件不完整。运行 &quot;scandeck-cli repair %1&quot; 可恢复其中完整的数据包。</translation>
+    </message>
+    <message>
+        <location filename="../playback/PlayerBagExport.cpp" line="-17"/>
+        <source>Frames %1 to %2 are not in the file (1 to %3)</source>
+        <translation>第 %1 至 %2 帧不在文件中（共 1 至 %3 帧）</translation>
+    </message>
+    <message>
+        <location line="+14"/>
+        <source>Writing the bag...</source>
+        <translation>正在写入 bag 文件...</translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>Cancel</source>
+        <translation>取消</translation>
+    </message>
+    <message>
+        <location line="+8"/>
+        <source>Frame %1 cannot be read</source>
+        <translation>无法读取第 %1 帧</translation>
     </message>
 </context>
 <context>
@@ -765,21 +873,11 @@
     </message>
 </context>
 <context>
-    <name>RecordingOpener</name>
+    <name>RecordingFrames</name>
     <message>
-        <location filename="../playback/RecordingOpener.cpp" line="+28"/>
-        <source>Loading offline data...</source>
-        <translation>正在加载离线数据...</translation>
-    </message>
-    <message>
-        <location line="+0"/>
-        <source>Cancel</source>
-        <translation>取消</translation>
-    </message>
-    <message>
-        <location line="+1"/>
-        <source>Open offline data</source>
-        <translation>打开离线数据</translation>
+        <location filename="../playback/PlayerFrames.cpp" line="-46"/>
+        <source>The recording ends early (it was cut short, or it is still being written): the %1 frames before that point play. &quot;scandeck-cli repair %2&quot; makes its complete packets readable again.</source>
+        <translation>录制文件提前结束（被截断，或仍在写入）：之前的 %1 帧可以播放。&quot;scandeck-cli repair %2&quot; 可以恢复其完整的数据包。</translation>
     </message>
 </context>
 <context>
@@ -806,7 +904,7 @@
 <context>
     <name>ScanDeck</name>
     <message>
-        <location filename="../app/ScanDeck.cpp" line="+398"/>
+        <location filename="../app/ScanDeck.cpp" line="+395"/>
         <source>restart</source>
         <translation>重启</translation>
     </message>
@@ -816,7 +914,7 @@
         <translation>确定要重启软件吗？</translation>
     </message>
     <message>
-        <location filename="../app/main.cpp" line="+37"/>
+        <location filename="../app/main.cpp" line="+41"/>
         <location filename="../app/ScanDeck.cpp" line="+23"/>
         <location filename="../app/ScanDeckLive.cpp" line="+191"/>
         <source>warning</source>
@@ -834,7 +932,7 @@
     </message>
     <message>
         <location line="+170"/>
-        <location filename="../app/ScanDeckExport.cpp" line="+110"/>
+        <location filename="../app/ScanDeckExport.cpp" line="+112"/>
         <source>File saved</source>
         <translation>文件已保存</translation>
     </message>
@@ -847,12 +945,12 @@
     <message>
         <location line="+8"/>
         <location line="+6"/>
-        <location line="+48"/>
+        <location line="+38"/>
         <source>question</source>
         <translation>询问</translation>
     </message>
     <message>
-        <location line="-53"/>
+        <location line="-43"/>
         <source>Data is being recorded. Do you want to save the data before exiting the program?</source>
         <translation>正在录制数据，退出程序前是否保存数据？</translation>
     </message>
@@ -862,7 +960,6 @@
         <translation>正在导出 CSV 数据，退出程序前是否保存数据？</translation>
     </message>
     <message>
-        <location line="+44"/>
         <location filename="../app/ScanDeckLive.cpp" line="-83"/>
         <location line="+13"/>
         <location line="+6"/>
@@ -870,7 +967,7 @@
         <translation>提示</translation>
     </message>
     <message>
-        <location line="+3"/>
+        <location filename="../app/ScanDeck.cpp" line="+37"/>
         <source>Whether to play offline file ?</source>
         <translation>是否播放该离线文件？</translation>
     </message>
@@ -927,20 +1024,21 @@
         <translation>两点间距离：</translation>
     </message>
     <message>
-        <location filename="../app/ScanDeckExport.cpp" line="-56"/>
+        <location filename="../app/ScanDeckExport.cpp" line="-58"/>
         <location line="+21"/>
-        <location line="+20"/>
+        <location line="+22"/>
         <location line="+18"/>
         <source>Export CSV</source>
         <translation>导出 CSV</translation>
     </message>
     <message>
-        <location line="-53"/>
+        <location line="-55"/>
+        <location line="+29"/>
         <source>File save failed!</source>
         <translation>文件保存失败！</translation>
     </message>
     <message>
-        <location line="+4"/>
+        <location line="-25"/>
         <source>Exporting data</source>
         <translation>正在导出数据</translation>
     </message>
@@ -1456,7 +1554,7 @@
 <context>
     <name>ViewExportTools</name>
     <message>
-        <location filename="../export/ViewExportTools.cpp" line="+66"/>
+        <location filename="../export/ViewExportTools.cpp" line="+67"/>
         <source>Save view</source>
         <translation>保存视图</translation>
     </message>
@@ -1491,7 +1589,7 @@
         <translation>设置保存路径</translation>
     </message>
     <message>
-        <location line="+18"/>
+        <location line="+19"/>
         <location line="+28"/>
         <source>warning</source>
         <translation>警告</translation>
