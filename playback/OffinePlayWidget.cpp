@@ -52,9 +52,8 @@ OffinePlayWidget::OffinePlayWidget(QWidget* parent) : QWidget(parent), ui(new Ui
     indexProgress->setRange(0, 1000);
     indexProgress->setMaximumWidth(140);
     indexProgress->hide();
-    exportBagButton = new QPushButton(tr("Export bag"), this);
+    exportBagButton = new QPushButton(this);
     exportBagButton->setObjectName(QStringLiteral("btn_export_bag"));
-    exportBagButton->setToolTip(tr("Writes frames of the file to a ROS bag (LaserScan and PointCloud2)"));
     indexTimer = new QTimer(this);
     indexTimer->setInterval(kFollowIndexMs);
     connect(indexTimer, &QTimer::timeout, this, &OffinePlayWidget::followIndex);
@@ -65,6 +64,7 @@ OffinePlayWidget::OffinePlayWidget(QWidget* parent) : QWidget(parent), ui(new Ui
     setControlsLoaded(false);
     ui->spinBox_progress->installEventFilter(this);
     connectControls();
+    retranslate();
 }
 
 OffinePlayWidget::~OffinePlayWidget()
@@ -554,6 +554,8 @@ void OffinePlayWidget::retranslate()
     const bool exporting = ui->btn_export_csv->isChecked();
     const QString exportText = ui->btn_export_csv->text();
     ui->retranslateUi(this);
+    exportBagButton->setText(tr("Export bag"));
+    exportBagButton->setToolTip(tr("Writes frames of the file to a ROS bag (LaserScan and PointCloud2)"));
     if (exporting)
         ui->btn_export_csv->setText(exportText);
     ui->label_maxNum->setText(QStringLiteral("/") + QString::number(count));

@@ -650,18 +650,18 @@
         <translation>录制文件 (*.txt)</translation>
     </message>
     <message>
-        <location line="-160"/>
+        <location line="+342"/>
         <location filename="../playback/PlayerBagExport.cpp" line="+31"/>
         <source>Export bag</source>
         <translation>导出 ROS bag</translation>
     </message>
     <message>
-        <location line="+2"/>
+        <location line="+1"/>
         <source>Writes frames of the file to a ROS bag (LaserScan and PointCloud2)</source>
         <translation>将文件中的帧写入 ROS bag（LaserScan 和 PointCloud2）</translation>
     </message>
     <message>
-        <location line="+158"/>
+        <location line="-343"/>
         <source>Captures (*.pcap *.pcapng)</source>
         <translation>抓包文件 (*.pcap *.pcapng)</translation>
     </message>

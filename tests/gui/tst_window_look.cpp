@@ -143,12 +143,13 @@ QStringList layoutProblems(QWidget* area)
 }
 
 // What stays as it is in Chinese: the names of the product and the language,
-// units, abbreviations, key names and serial devices.
+// units, abbreviations, key names, serial devices and ROS's names.
 bool isKeptWord(const QString& word)
 {
     static const QSet<QString> kept = {"ScanDeck", "English", "FPS", "CSV", "PCD", "PLY",  "PNG",   "GPS",
                                        "IP",       "UDP",     "PCL", "ID",  "XYZ", "CM",   "hz",    "kB",
-                                       "MB",       "pkt",     "Ctrl", "Space", "Left", "Right", "Home", "End"};
+                                       "MB",       "pkt",     "Ctrl", "Space", "Left", "Right", "Home", "End",
+                                       "ROS",      "bag",     "LaserScan", "PointCloud2"};
     return kept.contains(word) || word.startsWith(QLatin1String("tty"));
 }
 
