@@ -555,7 +555,7 @@ void OffinePlayWidget::retranslate()
     const QString exportText = ui->btn_export_csv->text();
     ui->retranslateUi(this);
     exportBagButton->setText(tr("Export bag"));
-    exportBagButton->setToolTip(tr("Writes frames of the file to a ROS bag (LaserScan and PointCloud2)"));
+    exportBagButton->setToolTip(tr("Writes frames of the file to a ROS bag"));
     if (exporting)
         ui->btn_export_csv->setText(exportText);
     ui->label_maxNum->setText(QStringLiteral("/") + QString::number(count));

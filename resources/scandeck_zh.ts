@@ -657,8 +657,8 @@
     </message>
     <message>
         <location line="+1"/>
-        <source>Writes frames of the file to a ROS bag (LaserScan and PointCloud2)</source>
-        <translation>将文件中的帧写入 ROS bag（LaserScan 和 PointCloud2）</translation>
+        <source>Writes frames of the file to a ROS bag</source>
+        <translation>将文件中的帧写入 ROS bag</translation>
     </message>
     <message>
         <location line="-343"/>
