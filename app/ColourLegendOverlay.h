@@ -5,12 +5,13 @@
 // to keep it clear of the middle hides it. Mouse events pass through it.
 
 #include "ColourLegend.h"
+#include "ViewOverlay.h"
 
 #include <QWidget>
 
 class QComboBox;
 
-class ColourLegendOverlay : public QWidget {
+class ColourLegendOverlay : public QWidget, public ViewOverlay {
     Q_OBJECT
 public:
     static constexpr int kMargin = 10;
@@ -21,6 +22,8 @@ public:
     // The operator's switch; on by default.
     void setShown(bool on);
     bool isShown() const { return m_shown; }
+    bool isOn() const override { return m_shown; }
+    void setOn(bool on) override { setShown(on); }
     const display::ColourLegend& legend() const { return m_legend; }
     QString title() const { return m_title; }
 

@@ -1,30 +1,51 @@
-// Which control drives which operation. wireSignals runs once, on the
-// start-up thread; wireSessionSignals each time a session is connected.
+// Which control drives which part, and the window's own small operations.
+// wireSignals runs once, on the start-up thread.
 
 #include "ScanDeck.h"
 
-#include "DeviceSettingsPanel.h"
+#include "AboutDialog.h"
+#include "BoxOverlay.h"
+#include "BoxSelectionDialog.h"
 #include "ColourLegendOverlay.h"
+#include "CsvExportControl.h"
+#include "DeviceSettingsPanel.h"
+#include "GridPolarDialog.h"
 #include "KeyboardShortcuts.h"
+#include "LIdarFactory.h"
 #include "LidarAnalysis.h"
+#include "LiveControls.h"
 #include "LiveFrameQueue.h"
+#include "MeasureTools.h"
+#include "NetworkToolLauncher.h"
 #include "OffinePlayWidget.h"
+#include "RangingOverlay.h"
+#include "UserMessages.h"
+#include "WindowStatusBar.h"
 #include "ui_ScanDeck.h"
 
+#include <QApplication>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QProcess>
+#include <QProgressBar>
+#include <QPropertyAnimation>
 #include <QTabBar>
+
+#include <pcl/visualization/pcl_visualizer.h>
+#include <vtkCamera.h>
+#include <vtkRenderer.h>
 
 void ScanDeck::wireSignals()
 {
     Ui::ScanDeckClass* u = ui;
     using Button = QAbstractButton;
-
-    connect(u->btn_ranging, &Button::clicked, this, &ScanDeck::setRangingMode);
+    connect(u->btn_ranging, &Button::clicked, this, [this](bool on) { m_ranging->setOn(on); });
     connect(u->spinBox_point_size, QOverload<int>::of(&QSpinBox::valueChanged), this, &ScanDeck::setPointSize);
     connect(u->btn_tabWidget_hide, &Button::clicked, this, &ScanDeck::toggleTabPanel);
     connect(u->cob_language, &QComboBox::currentTextChanged, this, &ScanDeck::switchLanguage);
-    connect(u->btn_auto_connect, &Button::clicked, this, &ScanDeck::autoConnect);
-    connect(u->btn_connect, &Button::clicked, this, &ScanDeck::showConnectDialog);
-    connect(u->btn_disconnect, &Button::clicked, this, &ScanDeck::disconnectLidar);
+    connect(u->btn_auto_connect, &Button::clicked, this, [this] { m_live->autoConnect(); });
+    connect(u->btn_connect, &Button::clicked, this, [this] { m_live->showConnectDialog(); });
+    connect(u->btn_disconnect, &Button::clicked, this, [this] { m_live->disconnect(); });
     connect(this, &ScanDeck::SendMessageSignal, this, &ScanDeck::showWarning);
     connect(u->spinbox_min_angle, &QDoubleSpinBox::textChanged, this, &ScanDeck::setMinAngle);
     connect(u->spinbox_max_angle, &QDoubleSpinBox::textChanged, this, &ScanDeck::setMaxAngle);
@@ -36,27 +57,35 @@ void ScanDeck::wireSignals()
     for (Button* view : {static_cast<Button*>(u->btn_front_view), static_cast<Button*>(u->btn_left_view),
                          static_cast<Button*>(u->btn_right_view), static_cast<Button*>(u->btn_top_view)})
         connect(view, &Button::clicked, this, &ScanDeck::setCameraView);
-    connect(u->btn_play_pause, &Button::clicked, this, &ScanDeck::playPause);
+    connect(u->btn_play_pause, &Button::clicked, this, [this](bool play) { m_live->playPause(play); });
     if (m_tabBar)
         connect(m_tabBar, &QTabBar::currentChanged, this, &ScanDeck::slideInTab);
     connect(u->btn_reboot, &Button::clicked, this, &ScanDeck::restartProgram);
     connect(u->btn_about, &Button::clicked, this, &ScanDeck::showAbout);
     connect(u->btn_clear, &Button::clicked, this, &ScanDeck::clearView);
-    connect(u->btn_save_data, &Button::clicked, this, &ScanDeck::recordData);
-    connect(u->btn_export_csv, &Button::clicked, this,
-            [this](bool checked) { exportCsv(ui->btn_export_csv, checked); });
-    connect(this, &ScanDeck::SendDataSavingProgressSianal, this, &ScanDeck::showSavingProgress);
-    connect(this, &ScanDeck::SendEndSaveDataSignal, this, &ScanDeck::showExportSaved);
-    connect(u->btn_point_cloud_select, &Button::clicked, this, &ScanDeck::toggleBoxSelection);
+    connect(u->btn_save_data, &Button::clicked, this, [this](bool record) { m_live->record(record); });
+    connect(u->btn_export_csv, &Button::clicked, this, [this](bool checked) { m_export->toggle(ui->btn_export_csv, checked); });
+    connect(this, &ScanDeck::SendDataSavingProgressSianal, this,
+            [this](float progress) { m_status->progress->setValue(static_cast<int>(progress * 100)); });
+    connect(this, &ScanDeck::SendEndSaveDataSignal, this, [this](const QString& fileName) {
+        usermessages::information(this, tr("File saved"), tr("File save path:%1").arg(fileName));
+        m_export->restButton(ui->btn_export_csv);
+    });
+    connect(u->btn_point_cloud_select, &Button::clicked, this, [this](bool on) { m_measure->toggleBoxSelection(on); });
     wireOfflinePlayer();
-    connect(u->btn_GPS_test, &Button::clicked, this, &ScanDeck::toggleGpsTest);
-    connect(u->btn_network_interface_setting, &Button::clicked, this, &ScanDeck::startNetworkTool);
+    connect(u->btn_GPS_test, &Button::clicked, m_devicePanel, &DeviceSettingsPanel::toggleGpsTest);
+    connect(u->btn_network_interface_setting, &Button::clicked, m_networkTool, &NetworkToolLauncher::start);
     connect(u->btn_resize_range, &Button::clicked, this, &ScanDeck::showBoxRangeDialog);
-
     // The Grid action (Ctrl+G) is another way to the grid button.
     connect(u->act_grid, &QAction::triggered, u->btn_grid, &Button::click);
     connect(u->btn_grid, &Button::toggled, u->act_grid, &QAction::setChecked);
     connect(u->btn_legend, &Button::toggled, m_legend, &ColourLegendOverlay::setShown);
+    // Live frames reach the display through the queue; the label shows only
+    // once it has had to skip some.
+    connect(m_liveFrames, &LiveFrameQueue::frameReady, this, &ScanDeck::showFrame);
+    connect(m_liveFrames, &LiveFrameQueue::frameSkipped, this, &ScanDeck::exportSkippedFrame);
+    connect(m_liveFrames, &LiveFrameQueue::skippedFramesChanged, this,
+            [this](quint64 skipped) { m_status->showSkipped(skipped); });
 }
 
 // Space, the arrows, Home and End act on the recording when one is loaded,
@@ -106,7 +135,12 @@ void ScanDeck::wireOfflinePlayer()
         m_playbackModel = model;
         setWindowTitle(model);
     });
-    connect(player, &OffinePlayWidget::SendPlaybackFileSignal, this, &ScanDeck::showPlaybackTitle);
+    connect(player, &OffinePlayWidget::SendPlaybackFileSignal, this, [this](const QString& path) {
+        // Stop ends a running export as a disconnect does, keeping what was written.
+        if (path.isEmpty())
+            m_export->endKeeping();
+        showPlaybackTitle(path);
+    });
     connect(player, &OffinePlayWidget::SendShowTableWidgetSignal, this, [this](bool bShow) {
         if (bShow != ui->btn_table->isChecked())
             ui->btn_table->click();
@@ -117,23 +151,187 @@ void ScanDeck::wireOfflinePlayer()
     });
 }
 
-void ScanDeck::wireSessionSignals()
+bool ScanDeck::ConnectNetworkLidar(const QString& model, const NetworkParam& param)
 {
-    // A session reused for the same model keeps its old connections: they
-    // are replaced, so that nothing is shown or sent twice.
-    for (const QMetaObject::Connection& connection : m_sessionConnections)
-        disconnect(connection);
-    m_sessionConnections.clear();
+    return m_live->connectNetwork(model, param);
+}
 
-    LidarAnalysis* session = m_live.session().get();
-    if (!session)
+bool ScanDeck::ConnectSerialLidar(const QString& model, const SerialPortParam& param)
+{
+    return m_live->connectSerial(model, param);
+}
+
+void ScanDeck::areaPicked(const std::vector<int>& indices)
+{
+    m_measure->areaPicked(indices);
+}
+
+void ScanDeck::singlePick(int index, const pcl::PointXYZRGB& point)
+{
+    m_measure->singlePick(index, point);
+}
+
+void ScanDeck::rangingStep(int index, const pcl::PointXYZRGB& point)
+{
+    m_measure->rangingStep(index, point);
+}
+
+void ScanDeck::setSerialPortLister(AutoConnector::PortLister lister)
+{
+    m_live->setSerialPortLister(std::move(lister));
+}
+
+void ScanDeck::setExportDialogHook(ExportDialogHook hook)
+{
+    m_export->setDialogHook(std::move(hook));
+}
+
+std::shared_ptr<LidarAnalysis> ScanDeck::session() const { return m_live->connection().session(); }
+bool ScanDeck::isLidarConnected() const { return m_live->connection().isConnected(); }
+bool ScanDeck::isPlaying() const { return m_live->isPlaying(); }
+SelectConnectType* ScanDeck::connectDialog() const { return m_live->connectDialog(); }
+bool ScanDeck::isBoxActive() const { return m_box->isOn(); }
+const ScanDeck::Cloud& ScanDeck::boxCloud() const { return *m_box->cloud(); }
+bool ScanDeck::isRangingActive() const { return m_ranging->isOn(); }
+const ScanDeck::Cloud& ScanDeck::clickCloud() const { return m_ranging->clickCloud(); }
+const CsvExport& ScanDeck::csvExport() const { return m_export->csvExport(); }
+
+void ScanDeck::setPointSize(int size)
+{
+    m_pointSize = size;
+}
+
+// C-locale conversion; a text that is no number gives 0. A reversed range shows nothing.
+void ScanDeck::setMinAngle(const QString& text)
+{
+    m_settings.minAngle = text.toFloat();
+}
+
+void ScanDeck::setMaxAngle(const QString& text)
+{
+    m_settings.maxAngle = text.toFloat();
+}
+
+void ScanDeck::setCameraView()
+{
+    const QObject* button = sender();
+    const auto set = [this](double x, double y, double z, double upY, double upZ) {
+        vtkCamera* camera = renderer()->GetActiveCamera();
+        camera->SetPosition(x, y, z);
+        camera->SetViewUp(0, upY, upZ);
+        renderer()->ResetCamera();
+        m_display->render();
+    };
+    if (button == ui->btn_top_view)
+        set(0, 0, 15, 1, 0);
+    else if (button == ui->btn_left_view)
+        set(-10, 0, 5, 0, 1);
+    else if (button == ui->btn_right_view)
+        set(10, 0, 5, 0, 1);
+    else if (button == ui->btn_front_view)
+        set(0, -10, 5, 0, 1);
+    else
+        set(0, 0, 0, 0, 0);
+}
+
+void ScanDeck::showAxes(bool on)
+{
+    if (on)
+        m_viewer->addCoordinateSystem(1.5, "coordinate", 0);
+    else
+        m_viewer->removeCoordinateSystem("coordinate", 0);
+    m_display->render();
+}
+
+// The pane slides open or shut over a few steps, the window staying live.
+void ScanDeck::toggleTablePane(bool open)
+{
+    const QList<int> sizes = ui->splitter->sizes();
+    const int total = sizes.value(0) + sizes.value(1);
+    const int start = sizes.value(0);
+    const int target = open ? std::min(520, total * 2 / 5) : 0;
+    constexpr int kSteps = 8;
+    for (int step = 1; step <= kSteps; ++step) {
+        const int width = start + (target - start) * step / kSteps;
+        ui->splitter->setSizes({width, total - width});
+        QElapsedTimer pause;
+        pause.start();
+        while (pause.elapsed() < 15)
+            QApplication::processEvents(QEventLoop::AllEvents, 5);
+    }
+}
+
+void ScanDeck::toggleTabPanel()
+{
+    const bool show = !ui->tabWidget->isVisible();
+    ui->tabWidget->setVisible(show);
+    ui->btn_tabWidget_hide->setIcon(QIcon(show ? QStringLiteral(":/images/images/up2.png")
+                                               : QStringLiteral(":/images/images/down2.png")));
+}
+
+// The new page drops in from above and settles with a small overshoot.
+void ScanDeck::slideInTab(int index)
+{
+    QWidget* page = ui->tabWidget->widget(index);
+    if (!page)
         return;
-    auto& c = m_sessionConnections;
-    // The session lives on its worker thread: its frames reach the display
-    // through the queue, every one of them drawn while drawing keeps up.
-    c << m_liveFrames->attach(session);
-    c << connect(session, &LidarAnalysis::SendMessageSignal, this, &ScanDeck::showWarning);
-    c << connect(session, &LidarAnalysis::SendEndSaveDataSignal, this, &ScanDeck::showFileSaved);
-    // Motor switch, filter and frequency boxes, and the GPS test window.
-    m_devicePanel->bindSession(m_live.session());
+    const QRect end = page->geometry();
+    auto* animation = new QPropertyAnimation(page, "geometry", page);
+    animation->setDuration(300);
+    animation->setEasingCurve(QEasingCurve::OutBack);
+    animation->setStartValue(QRect(end.x(), -70, end.width(), end.height()));
+    animation->setEndValue(end);
+    // The page may have changed its height meanwhile (its controls wrap on
+    // a narrow window): the stack places it anew once it has landed.
+    connect(animation, &QPropertyAnimation::finished, page, [page] {
+        if (QWidget* stack = page->parentWidget(); stack && stack->layout())
+            stack->layout()->invalidate();
+    });
+    animation->start(QAbstractAnimation::DeleteWhenStopped);
+}
+
+void ScanDeck::restartProgram()
+{
+    if (!usermessages::question(this, tr("restart"), tr("Confirm restarting the software?")))
+        return;
+    QProcess::startDetached(QApplication::applicationFilePath(), QApplication::arguments().mid(1), QDir::currentPath());
+    QApplication::exit(0);
+}
+
+void ScanDeck::showAbout()
+{
+    if (!m_about)
+        m_about = new AboutDialog(this);
+    m_about->setTexts(LIdarFactory::VersionText(), isLidarConnected() ? session()->GetLidarParam().text : QString());
+    m_about->setShortcuts(m_shortcuts->list());
+    m_about->show();
+    m_about->raise();
+    m_about->activateWindow();
+}
+
+void ScanDeck::showWarning(const QString& message)
+{
+    usermessages::warning(this, tr("warning"), message);
+}
+
+void ScanDeck::showFileSaved(const QString& fileName)
+{
+    usermessages::information(this, tr("File saved"), tr("File save path:%1").arg(fileName));
+    if (!m_export->isActive())  // the bar may be showing a running export's progress
+        m_status->progress->hide();
+}
+
+// Made on first use and kept, so that they open as they were left.
+void ScanDeck::showBoxRangeDialog()
+{
+    if (!m_boxDialog)
+        m_boxDialog = new BoxSelectionDialog(this, this);
+    m_boxDialog->exec();
+}
+
+void ScanDeck::showGridPolarDialog()
+{
+    if (!m_gridPolarDialog)
+        m_gridPolarDialog = new GridPolarDialog(this, this);
+    m_gridPolarDialog->exec();
 }

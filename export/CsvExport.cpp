@@ -11,22 +11,23 @@ bool CsvExport::start(const QString& path, int frameLimit, float startAngle, flo
 {
     close();
     saveError_.clear();
+    openError_.clear();
     file_ = std::make_unique<lidar::AtomicFileWrite>(path);
-    const bool opened = file_->open() && sync_.start(int(file_->file().handle()), file_->temporaryPath());
-    if (opened) {
-        writer_ = std::make_unique<CsvWriter>(&file_->file());
-        writer_->setAngleRange(startAngle, endAngle);
-        writer_->writeHeader();
-    } else {
+    if (!file_->open(&openError_) || !sync_.start(int(file_->file().handle()), file_->temporaryPath())) {
+        if (openError_.isEmpty())
+            openError_ = file_->file().errorString();
         file_.reset();
+        active_ = false;
+        return false;
     }
+    writer_ = std::make_unique<CsvWriter>(&file_->file());
+    writer_->setAngleRange(startAngle, endAngle);
+    writer_->writeHeader();
     path_ = path;
     framesWritten_ = 0;
     frameLimit_ = frameLimit;
-    startAngle_ = startAngle;
-    endAngle_ = endAngle;
     active_ = true;
-    return opened;
+    return true;
 }
 
 CsvExport::Step CsvExport::frameShown(const lidar::LidarDataPoint_V4& frame,
@@ -38,19 +39,12 @@ CsvExport::Step CsvExport::frameShown(const lidar::LidarDataPoint_V4& frame,
         close();
         return Step::Finished;
     }
-    if (!writer_)
-        return Step::Written;  // the file never opened: nothing to write to
     const float progress = float(framesWritten_) / float(frameLimit_);
-    for (auto line = frame.points.constBegin(); line != frame.points.constEnd(); ++line) {
-        for (const lidar::LidarPoint& p : line.value()) {
-            if (!CsvWriter::inAngleRange(p.azimuth, startAngle_, endAngle_))
-                continue;
-            writer_->writePoint(framesWritten_, line.key(), p);
-            if (lineWritten)
-                lineWritten(progress);
-        }
-    }
-    sync_.wrote(quint64(file_->file().pos()));
+    const qint64 lines = writer_->writeFrame(framesWritten_, frame);
+    // The progress follows every line written.
+    if (lineWritten)
+        for (qint64 i = 0; i < lines; ++i)
+            lineWritten(progress);
     return Step::Written;
 }
 

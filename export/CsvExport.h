@@ -28,9 +28,10 @@ public:
     // A file still open is completed and kept.
     ~CsvExport();
 
-    // Opens the file (truncating it) and writes the header. false when it
-    // cannot be opened: the export runs all the same and writes nothing.
+    // Opens the file (truncating it) and writes the header. False when it
+    // cannot be opened (openError() says why): no export runs then.
     bool start(const QString& path, int frameLimit, float startAngle, float endAngle);
+    QString openError() const { return openError_; }
 
     bool isActive() const { return active_; }
     // The window switches the export off while it asks whether to cancel.
@@ -64,7 +65,6 @@ private:
     bool active_ = false;
     int framesWritten_ = 0;
     int frameLimit_ = 0;
-    float startAngle_ = 0.0f;
-    float endAngle_ = 360.0f;
     QString path_;
+    QString openError_;
 };

@@ -1,5 +1,7 @@
 #include "CsvWriter.h"
 
+#include "display/AngleRange.h"
+
 #include "NumberText.h"
 
 #include <QIODevice>
@@ -52,11 +54,6 @@ void CsvWriter::setAngleRange(float startAngle, float endAngle)
     endAngle_ = endAngle;
 }
 
-bool CsvWriter::inAngleRange(float azimuth, float startAngle, float endAngle)
-{
-    return startAngle <= azimuth && azimuth <= endAngle;
-}
-
 void CsvWriter::writeHeader()
 {
     const size_t length = std::strlen(kHeader);
@@ -70,7 +67,7 @@ qint64 CsvWriter::writeFrame(int frameNumber, const lidar::LidarDataPoint_V4& fr
     qint64 written = 0;
     for (auto line = frame.points.constBegin(); line != frame.points.constEnd(); ++line) {
         for (const lidar::LidarPoint& p : line.value()) {
-            if (!inAngleRange(p.azimuth, startAngle_, endAngle_))
+            if (!display::inAngleRange(p.azimuth, startAngle_, endAngle_))
                 continue;
             writePoint(frameNumber, line.key(), p);
             ++written;

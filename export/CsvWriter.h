@@ -26,7 +26,6 @@ public:
     CsvWriter& operator=(const CsvWriter&) = delete;
 
     void setAngleRange(float startAngle, float endAngle);
-    static bool inAngleRange(float azimuth, float startAngle, float endAngle);
 
     void writeHeader();
     // The frame's points in ID order, array order within an ID; returns how

@@ -5,6 +5,7 @@
 // range (inclusive; a NaN azimuth never does) are written.
 
 #include "LidarRecords.h"
+#include "display/AngleRange.h"
 
 #include <QString>
 
@@ -29,7 +30,7 @@ public:
     qint64 pointsWritten() const { return points_; }
 
 protected:
-    bool inRange(float azimuth) const { return startAngle_ <= azimuth && azimuth <= endAngle_; }
+    bool inRange(float azimuth) const { return display::inAngleRange(azimuth, startAngle_, endAngle_); }
 
     float startAngle_ = 0.0f;
     float endAngle_ = 360.0f;

@@ -1,6 +1,6 @@
 #include "RosScanMessages.h"
 
-#include "CsvWriter.h"
+#include "display/AngleRange.h"
 
 #include <QtEndian>
 #include <cmath>
@@ -14,7 +14,7 @@ constexpr double kDegree = M_PI / 180.0;
 
 bool inRange(const lidar::LidarPoint& p, const AngleRange& range)
 {
-    return CsvWriter::inAngleRange(p.azimuth, range.start, range.end);
+    return display::inAngleRange(p.azimuth, range.start, range.end);
 }
 
 float metres(int32_t millimetres)

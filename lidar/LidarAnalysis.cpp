@@ -192,6 +192,14 @@ void LidarAnalysis::EndSaveData()
     lidar::runOnThreadOf(this, [&] { endRecording(); });
 }
 
+void LidarAnalysis::AbandonSaveData()
+{
+    lidar::runOnThreadOf(this, [&] {
+        if (saving.exchange(0))
+            recorder_.abandon();
+    });
+}
+
 QVector<QByteArray> LidarAnalysis::recordingHeader() const
 {
     const QByteArray className(metaObject()->className());

@@ -54,6 +54,9 @@ public:
     // SendMessageSignal; saveError tells the reason until the next start.
     bool StartSaveData(const QString& fileName);
     void EndSaveData();
+    // Ends the recording without keeping it (the user said not to save it):
+    // the file is left empty and no "File saved" is reported.
+    void AbandonSaveData();
     // Packets and bytes the running recording has in its file so far; any thread.
     lidar::RecordingCounts recordingCounts() const { return recorder_.counts(); }
     LidarParam GetLidarParam();

@@ -157,6 +157,21 @@ bool RecordingWriter::finish(const QVector<QByteArray>& header)
     return !failed_ && synced;
 }
 
+void RecordingWriter::abandon()
+{
+    if (!open_)
+        return;
+    open_ = false;
+    sync_.stop();
+    pending_.resize(0);
+    pendingPackets_ = 0;
+    file_.resize(0);
+    file_.close();
+    written_ = 0;
+    writtenPackets_ = 0;
+    publishCounts();
+}
+
 bool RecordingWriter::syncAndClose()
 {
     QString error;

@@ -52,6 +52,9 @@ public:
     // failed write the file is cut back to the packets written whole before
     // it, which are kept. False when the recording is not complete.
     bool finish(const QVector<QByteArray>& header);
+    // Ends the recording without keeping it: nothing more is written and
+    // the file is left empty, as a recording that was never saved is.
+    void abandon();
 
     bool isOpen() const { return open_; }
     bool failed() const { return failed_; }

@@ -2,12 +2,16 @@
 
 #include "ReadoutTexts.h"
 
+#include <QCoreApplication>
+#include <QFileInfo>
 #include <QLabel>
 #include <QWidget>
 
 #include <pcl/point_cloud.h>
 #include <pcl/point_types.h>
 #include <pcl/visualization/pcl_visualizer.h>
+#include <vtkTextActor.h>
+#include <vtkTextProperty.h>
 
 #include <cmath>
 #include <limits>
@@ -59,12 +63,21 @@ void StatusReadouts::reset()
 {
     fitWidths();
     setText(m_labels.motorSpeed, ReadoutTexts::motorSpeed(-1));
-    clearSelection();
-    clearCursor();
+    setText(m_labels.deltaX, ReadoutTexts::noDeltaX());
+    setText(m_labels.deltaY, ReadoutTexts::noDeltaY());
+    setText(m_labels.deltaDistance, ReadoutTexts::noDeltaDistance());
+    if (m_readingStarted) {
+        setText(m_labels.azimuth, ReadoutTexts::noAzimuth());
+        setText(m_labels.distance, ReadoutTexts::noDistance());
+    } else {
+        setText(m_labels.azimuth, QCoreApplication::translate("ReadoutTexts", "azimuth:"));
+        setText(m_labels.distance, QCoreApplication::translate("ReadoutTexts", "distance"));
+    }
 }
 
 void StatusReadouts::showCursor(const double world[3])
 {
+    m_readingStarted = true;
     const double x = world[0], y = world[1], z = world[2];
     setText(m_labels.azimuth, ReadoutTexts::azimuth(ReadoutTexts::cursorAzimuth(x, y)));
     setText(m_labels.distance, ReadoutTexts::distance(std::sqrt(x * x + y * y + z * z)));
@@ -72,37 +85,29 @@ void StatusReadouts::showCursor(const double world[3])
 
 void StatusReadouts::clearCursor()
 {
+    m_readingStarted = true;
     setText(m_labels.azimuth, ReadoutTexts::noAzimuth());
     setText(m_labels.distance, ReadoutTexts::noDistance());
 }
 
 void StatusReadouts::showFrame(const lidar::LidarDataPoint_V4& frame)
 {
+    m_readingStarted = true;
     setText(m_labels.motorSpeed, ReadoutTexts::motorSpeed(frame.motorSpeed));
     showViewText(frame.ambient == -1 ? QString() : ReadoutTexts::ambient(frame.ambient), kAmbientX, "Ambient");
     showViewText(frame.dateTime, kDateTimeX, "DateTime");
 }
 
-void StatusReadouts::showSelection(const pcl::PointCloud<pcl::PointXYZRGB>& selection, int32_t minDistance,
-                                   int32_t maxDistance)
+void StatusReadouts::showSelection(const display::SelectionReadout& selection, bool boxActive)
 {
-    float min[2] = {std::numeric_limits<float>::max(), std::numeric_limits<float>::max()};
-    float max[2] = {std::numeric_limits<float>::lowest(), std::numeric_limits<float>::lowest()};
-    for (const pcl::PointXYZRGB& p : selection.points) {
-        if (!selection.is_dense && !(std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z)))
-            continue;
-        min[0] = std::min(min[0], p.x);
-        max[0] = std::max(max[0], p.x);
-        min[1] = std::min(min[1], p.y);
-        max[1] = std::max(max[1], p.y);
-    }
-    if (min[0] > max[0]) {
+    m_readingStarted = true;
+    if (!boxActive || !selection.any) {
         clearSelection();
         return;
     }
-    setText(m_labels.deltaX, ReadoutTexts::deltaX(max[0] - min[0]));
-    setText(m_labels.deltaY, ReadoutTexts::deltaY(max[1] - min[1]));
-    setText(m_labels.deltaDistance, ReadoutTexts::deltaDistance(double(maxDistance) - double(minDistance)));
+    setText(m_labels.deltaX, ReadoutTexts::deltaX(selection.deltaX));
+    setText(m_labels.deltaY, ReadoutTexts::deltaY(selection.deltaY));
+    setText(m_labels.deltaDistance, ReadoutTexts::deltaDistance(selection.deltaDistance));
 }
 
 void StatusReadouts::clearSelection()
@@ -125,6 +130,27 @@ void StatusReadouts::showViewText(const QString& text, int x, const std::string&
     if (last == shown && m_viewer.contains(id))
         return;
     last = shown;
-    if (!m_viewer.updateText(text.toStdString(), x, y, kViewTextSize, 1.0, 1.0, 1.0, id))
+    if (!m_viewer.updateText(text.toStdString(), x, y, kViewTextSize, 1.0, 1.0, 1.0, id)) {
         m_viewer.addText(text.toStdString(), x, y, kViewTextSize, 1.0, 1.0, 1.0, id);
+        // VTK's own font has no Chinese: "Ambient" would be drawn as its number alone.
+        const std::string font = viewTextFontFile();
+        const auto shape = m_viewer.getShapeActorMap()->find(id);
+        if (!font.empty() && shape != m_viewer.getShapeActorMap()->end())
+            if (auto* actor = vtkTextActor::SafeDownCast(shape->second)) {
+                actor->GetTextProperty()->SetFontFamily(VTK_FONT_FILE);
+                actor->GetTextProperty()->SetFontFile(font.c_str());
+            }
+    }
+}
+
+std::string StatusReadouts::viewTextFontFile()
+{
+    static const std::string found = [] {
+        for (const char* path : {"/usr/share/fonts/truetype/wqy/wqy-microhei.ttc",
+                                 "/usr/share/fonts/truetype/wqy/wqy-zenhei.ttc"})
+            if (QFileInfo::exists(QString::fromLatin1(path)))
+                return std::string(path);
+        return std::string();
+    }();
+    return found;
 }

@@ -6,6 +6,7 @@
 // nothing costs nothing.
 
 #include "LidarRecords.h"
+#include "FramePipeline.h"
 #include "PclForward.h"
 
 #include <QString>
@@ -31,7 +32,9 @@ public:
     StatusReadouts(const Labels& labels, pcl::visualization::PCLVisualizer& viewer, QWidget* view);
 
     // Every label to its text for "no value" (also after a language switch),
-    // and wide enough for its longest text in the current language.
+    // and wide enough for its longest text in the current language. Until
+    // the first readout the labels show the texts the window starts with
+    // ("azimuth:", "distance"); from then on the readouts' own ("Azimuth:").
     void reset();
 
     // Azimuth and distance of a world point under the cursor, or none.
@@ -41,11 +44,13 @@ public:
     // Motor speed, ambient value and date-time of the frame just shown.
     void showFrame(const lidar::LidarDataPoint_V4& frame);
 
-    // The extent of the drawn selection and the span of its distances (mm);
-    // an empty selection has no extent.
-    void showSelection(const pcl::PointCloud<pcl::PointXYZRGB>& selection, int32_t minDistance,
-                       int32_t maxDistance);
+    // The extent of the drawn selection while the box is in force; no value
+    // without a box or for a box holding nothing.
+    void showSelection(const display::SelectionReadout& selection, bool boxActive);
     void clearSelection();
+
+    // The font file the view's texts are drawn with: one with Chinese glyphs.
+    static std::string viewTextFontFile();
 
 private:
     void fitWidths();
@@ -57,4 +62,5 @@ private:
     QWidget* m_view;
     std::map<std::string, QString> m_viewTexts;
     std::vector<int> m_baseWidths;  // as the window made them, in label order
+    bool m_readingStarted = false;
 };

@@ -172,7 +172,7 @@
 <context>
     <name>ColourLegend</name>
     <message>
-        <location filename="../app/ColourLegend.cpp" line="+21"/>
+        <location filename="../display/ColourLegend.cpp" line="+21"/>
         <source>every point</source>
         <translation>所有点</translation>
     </message>
@@ -420,7 +420,7 @@
 <context>
     <name>KeyboardShortcuts</name>
     <message>
-        <location filename="../app/ScanDeckWiring.cpp" line="+70"/>
+        <location filename="../app/ScanDeckWiring.cpp" line="+99"/>
         <source>Play or pause (recording or live display)</source>
         <translation>播放或暂停（录制文件或实时显示）</translation>
     </message>
@@ -488,7 +488,7 @@
         <translation>数据发送失败</translation>
     </message>
     <message>
-        <location line="+122"/>
+        <location line="+130"/>
         <source>The recording %1 could not be completed (%2).</source>
         <translation>录制文件 %1 无法完成（%2）。</translation>
     </message>
@@ -741,7 +741,7 @@
 <context>
     <name>PointTable</name>
     <message>
-        <location filename="../export/PointTableRow.cpp" line="+9"/>
+        <location filename="../display/PointTableRow.cpp" line="+9"/>
         <source>  ID  </source>
         <translation>  ID  </translation>
     </message>
@@ -871,6 +871,16 @@
         <source>Ambient:%1</source>
         <translation>环境光：%1</translation>
     </message>
+    <message>
+        <location filename="../measure/StatusReadouts.cpp" line="+73"/>
+        <source>azimuth:</source>
+        <translation>方位角：</translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>distance</source>
+        <translation>距离</translation>
+    </message>
 </context>
 <context>
     <name>RecordingFrames</name>
@@ -904,7 +914,7 @@
 <context>
     <name>ScanDeck</name>
     <message>
-        <location filename="../app/ScanDeck.cpp" line="+395"/>
+        <location filename="../app/ScanDeckWiring.cpp" line="+169"/>
         <source>restart</source>
         <translation>重启</translation>
     </message>
@@ -914,66 +924,68 @@
         <translation>确定要重启软件吗？</translation>
     </message>
     <message>
+        <location filename="../app/CsvExportControl.cpp" line="+21"/>
+        <location line="+53"/>
+        <location filename="../app/LiveControls.cpp" line="+216"/>
         <location filename="../app/main.cpp" line="+41"/>
-        <location filename="../app/ScanDeck.cpp" line="+23"/>
-        <location filename="../app/ScanDeckLive.cpp" line="+191"/>
+        <location filename="../app/ScanDeckWiring.cpp" line="+19"/>
         <source>warning</source>
         <translation>警告</translation>
     </message>
     <message>
-        <location filename="../app/ScanDeck.cpp" line="-57"/>
+        <location filename="../app/WindowStatusBar.cpp" line="+64"/>
         <source>Point Cloud Library</source>
         <translation>点云库 PCL</translation>
     </message>
     <message>
-        <location line="-103"/>
+        <location line="+6"/>
         <source>display behind: %1 frames skipped</source>
         <translation>显示滞后：已跳过 %1 帧</translation>
     </message>
     <message>
-        <location line="+170"/>
-        <location filename="../app/ScanDeckExport.cpp" line="+112"/>
+        <location filename="../app/ScanDeckWiring.cpp" line="-243"/>
+        <location line="+248"/>
         <source>File saved</source>
         <translation>文件已保存</translation>
     </message>
     <message>
-        <location line="+0"/>
-        <location filename="../app/ScanDeckExport.cpp" line="+0"/>
+        <location line="-248"/>
+        <location line="+248"/>
         <source>File save path:%1</source>
         <translation>文件保存路径：%1</translation>
     </message>
     <message>
-        <location line="+8"/>
-        <location line="+6"/>
-        <location line="+38"/>
+        <location filename="../app/ScanDeck.cpp" line="+358"/>
+        <location line="+3"/>
+        <location line="+32"/>
         <source>question</source>
         <translation>询问</translation>
     </message>
     <message>
-        <location line="-43"/>
+        <location line="-34"/>
         <source>Data is being recorded. Do you want to save the data before exiting the program?</source>
         <translation>正在录制数据，退出程序前是否保存数据？</translation>
     </message>
     <message>
-        <location line="+6"/>
+        <location line="+3"/>
         <source>Exporting csv data, do you want to save the data before exiting the program?</source>
         <translation>正在导出 CSV 数据，退出程序前是否保存数据？</translation>
     </message>
     <message>
-        <location filename="../app/ScanDeckLive.cpp" line="-83"/>
-        <location line="+13"/>
+        <location filename="../app/LiveControls.cpp" line="-82"/>
+        <location line="+12"/>
         <location line="+6"/>
         <source>information</source>
         <translation>提示</translation>
     </message>
     <message>
-        <location filename="../app/ScanDeck.cpp" line="+37"/>
+        <location filename="../app/ScanDeck.cpp" line="+31"/>
         <source>Whether to play offline file ?</source>
         <translation>是否播放该离线文件？</translation>
     </message>
     <message>
-        <location filename="../app/ScanDeckLive.cpp" line="-19"/>
-        <location line="+13"/>
+        <location filename="../app/LiveControls.cpp" line="-18"/>
+        <location line="+12"/>
         <source>Please stop the offline playback first</source>
         <translation>请先停止离线回放</translation>
     </message>
@@ -983,13 +995,14 @@
         <translation>自动连接失败，请手动连接雷达！</translation>
     </message>
     <message>
-        <location line="+24"/>
-        <location line="+23"/>
+        <location line="+25"/>
+        <location line="+22"/>
         <source>Please connect the radar first</source>
         <translation>请先连接雷达</translation>
     </message>
     <message>
-        <location line="-19"/>
+        <location line="-74"/>
+        <location line="+56"/>
         <source>pause</source>
         <translation>暂停</translation>
     </message>
@@ -999,7 +1012,7 @@
         <translation>播放</translation>
     </message>
     <message>
-        <location line="+15"/>
+        <location line="+14"/>
         <source>Recorded data</source>
         <translation>已录制数据</translation>
     </message>
@@ -1009,36 +1022,39 @@
         <translation>无法创建文件 %1</translation>
     </message>
     <message>
-        <location line="+3"/>
+        <location line="-88"/>
+        <location line="+91"/>
         <source>Recording data</source>
         <translation>正在录制数据</translation>
     </message>
     <message>
-        <location line="+6"/>
+        <location filename="../app/ScanDeck.cpp" line="-167"/>
         <source>settting a save path</source>
         <translation>设置保存路径</translation>
     </message>
     <message>
-        <location filename="../app/ScanDeckMeasure.cpp" line="+102"/>
+        <location filename="../app/MeasureTools.cpp" line="+118"/>
         <source>Distance between two points:</source>
         <translation>两点间距离：</translation>
     </message>
     <message>
-        <location filename="../app/ScanDeckExport.cpp" line="-58"/>
-        <location line="+21"/>
-        <location line="+22"/>
-        <location line="+18"/>
+        <location filename="../app/CsvExportControl.cpp" line="-48"/>
+        <location line="+17"/>
+        <location line="+43"/>
+        <location line="+8"/>
+        <location filename="../app/ScanDeck.cpp" line="+54"/>
         <source>Export CSV</source>
         <translation>导出 CSV</translation>
     </message>
     <message>
-        <location line="-55"/>
-        <location line="+29"/>
+        <location line="-72"/>
+        <location line="+53"/>
         <source>File save failed!</source>
         <translation>文件保存失败！</translation>
     </message>
     <message>
-        <location line="-25"/>
+        <location line="-43"/>
+        <location filename="../app/ScanDeck.cpp" line="+0"/>
         <source>Exporting data</source>
         <translation>正在导出数据</translation>
     </message>

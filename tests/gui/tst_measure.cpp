@@ -601,7 +601,8 @@ void MeasureTest::hoverReadouts()
     auto window = openWindow();
     ScanDeck* w = window.get();
     w->showFrame(crossFrame());
-    QCOMPARE(labelText(w, "label_azimuth"), QStringLiteral("Azimuth:"));
+    // The window's own texts until the cursor gives the first readout.
+    QCOMPARE(labelText(w, "label_azimuth") + labelText(w, "label_distance"), QStringLiteral("azimuth:distance"));
     mouse(w, QEvent::MouseMove, drawnAt(w, 1.0, -1.0));
     const double azimuth = labelText(w, "label_azimuth").section(':', 1).toDouble();
     const double distance = labelText(w, "label_distance").section(':', 1).toDouble();

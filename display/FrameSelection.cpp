@@ -1,6 +1,6 @@
 #include "FrameSelection.h"
 
-#include "export/PointRounding.h"
+#include "PointRounding.h"
 
 namespace display {
 

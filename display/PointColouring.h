@@ -1,7 +1,7 @@
 #pragma once
-// Colours of the points in the 3D view and the angle range that decides
-// which points are drawn at all.
+// Colours of the points in the 3D view.
 
+#include "AngleRange.h"
 #include "LidarRecords.h"
 
 #include <cstdint>
@@ -26,11 +26,5 @@ Rgb intensityColour(int32_t intensity);
 Rgb azimuthColour(float azimuth);
 // The colour of a point in a mode; an unknown mode leaves it black.
 Rgb modeColour(int mode, const lidar::LidarPoint& point);
-
-// minimum <= azimuth <= maximum; a NaN azimuth is never in range.
-inline bool inAngleRange(float azimuth, float minimum, float maximum)
-{
-    return minimum <= azimuth && azimuth <= maximum;
-}
 
 }  // namespace display

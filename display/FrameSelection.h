@@ -3,7 +3,7 @@
 // centimetre in place (what the view, the table and the CSV file then see)
 // and the points inside the selection box are picked out.
 
-#include "IboxSelection.h"
+#include "measure/IboxSelection.h"
 #include "LidarRecords.h"
 
 namespace display {
