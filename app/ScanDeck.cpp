@@ -1,16 +1,11 @@
 #include "ScanDeck.h"
 
-#include "AboutDialog.h"
 #include "BoxOverlay.h"
-#include "BoxSelectionDialog.h"
 #include "ColourLegendOverlay.h"
 #include "CsvExportControl.h"
 #include "DeviceSettingsPanel.h"
-#include "GridPolarDialog.h"
 #include "GridPolarOverlays.h"
 #include "IniSettings.h"
-#include "KeyboardShortcuts.h"
-#include "LIdarFactory.h"
 #include "LiveControls.h"
 #include "LiveFrameQueue.h"
 #include "MeasureTools.h"
@@ -24,7 +19,6 @@
 #include "RangingOverlay.h"
 #include "RecentFolder.h"
 #include "RenderRateTip.h"
-#include "StatusReadouts.h"
 #include "TableViewToolBar.h"
 #include "UserMessages.h"
 #include "ViewExportTools.h"
@@ -35,15 +29,9 @@
 #include <QApplication>
 #include <QPushButton>
 #include <QCloseEvent>
-#include <QDir>
-#include <QDragEnterEvent>
 #include <QDropEvent>
-#include <QElapsedTimer>
 #include <QFileDialog>
 #include <QFileInfo>
-#include <QProcess>
-#include <QProgressBar>
-#include <QPropertyAnimation>
 #include <QStandardItemModel>
 #include <QSurfaceFormat>
 #include <QTabBar>
@@ -114,7 +102,9 @@ void ScanDeck::initUi()
     setWindowState(Qt::WindowMaximized);
     ui->splitter->setSizes({0, 1});  // the table pane starts collapsed
     qApp->setWindowIcon(QIcon(QStringLiteral(":/images/images/Tern_2.png")));
-    applyStyleSheet();
+    const QString sheet = ProgramFiles::styleSheetText();
+    if (!sheet.isEmpty())
+        qApp->setStyleSheet(sheet);
     m_language = new WindowLanguage(this);
 
     initViewer();
@@ -255,18 +245,6 @@ void ScanDeck::initParts()
     QBoxLayout* column = ui->verticalLayout_view_tools;
     m_viewExport->addButtons(column, column->indexOf(ui->btn_table) + 1);
     m_viewExport->setSaveFileHook(hooks.savePath);
-}
-
-void ScanDeck::applyStyleSheet()
-{
-    QFile file(ProgramFiles::styleSheet());
-    if (!file.open(QIODevice::ReadOnly))
-        return;
-    QByteArray sheet = file.readAll();
-    const int end = sheet.indexOf('\0');
-    if (end >= 0)
-        sheet.truncate(end);
-    qApp->setStyleSheet(QString::fromUtf8(sheet));
 }
 
 void ScanDeck::switchLanguage(const QString& text)

@@ -158,7 +158,6 @@ private:
     void initTable();
     void initParts();
     void initShortcuts();
-    void applyStyleSheet();
     void wireSignals();
     void wireOfflinePlayer();
     display::ViewSettings viewSettings() const;
@@ -166,12 +165,10 @@ private:
 
     // Operations wired to the controls.
     void toggleTabPanel();
-    void slideInTab(int index);
     void restartProgram();
     void showAbout();
     void showWarning(const QString& message);
     void showFileSaved(const QString& fileName);
-    void toggleTablePane(bool open);
     void clearView();
     void showBoxRangeDialog();
     void showGridPolarDialog();

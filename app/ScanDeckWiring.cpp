@@ -20,19 +20,17 @@
 #include "OffinePlayWidget.h"
 #include "RangingOverlay.h"
 #include "UserMessages.h"
+#include "ViewMotions.h"
 #include "WindowStatusBar.h"
 #include "ui_ScanDeck.h"
 
 #include <QApplication>
 #include <QDir>
-#include <QElapsedTimer>
 #include <QProcess>
 #include <QProgressBar>
-#include <QPropertyAnimation>
 #include <QTabBar>
 
 #include <pcl/visualization/pcl_visualizer.h>
-#include <vtkCamera.h>
 #include <vtkRenderer.h>
 
 void ScanDeck::wireSignals()
@@ -52,14 +50,14 @@ void ScanDeck::wireSignals()
     connect(u->btn_grid, &Button::clicked, this, &ScanDeck::showGrid);
     connect(u->btn_polar, &Button::clicked, this, &ScanDeck::showPolar);
     connect(u->btn_set_grid_polar, &Button::clicked, this, &ScanDeck::showGridPolarDialog);
-    connect(u->btn_table, &Button::clicked, this, &ScanDeck::toggleTablePane);
+    connect(u->btn_table, &Button::clicked, this, [this](bool open) { viewmotions::slideTablePane(ui->splitter, open); });
     connect(u->btn_axis, &Button::clicked, this, &ScanDeck::showAxes);
     for (Button* view : {static_cast<Button*>(u->btn_front_view), static_cast<Button*>(u->btn_left_view),
                          static_cast<Button*>(u->btn_right_view), static_cast<Button*>(u->btn_top_view)})
         connect(view, &Button::clicked, this, &ScanDeck::setCameraView);
     connect(u->btn_play_pause, &Button::clicked, this, [this](bool play) { m_live->playPause(play); });
     if (m_tabBar)
-        connect(m_tabBar, &QTabBar::currentChanged, this, &ScanDeck::slideInTab);
+        connect(m_tabBar, &QTabBar::currentChanged, this, [this](int page) { viewmotions::slideInPage(ui->tabWidget, page); });
     connect(u->btn_reboot, &Button::clicked, this, &ScanDeck::restartProgram);
     connect(u->btn_about, &Button::clicked, this, &ScanDeck::showAbout);
     connect(u->btn_clear, &Button::clicked, this, &ScanDeck::clearView);
@@ -214,24 +212,13 @@ void ScanDeck::setMaxAngle(const QString& text)
 
 void ScanDeck::setCameraView()
 {
-    const QObject* button = sender();
-    const auto set = [this](double x, double y, double z, double upY, double upZ) {
-        vtkCamera* camera = renderer()->GetActiveCamera();
-        camera->SetPosition(x, y, z);
-        camera->SetViewUp(0, upY, upZ);
-        renderer()->ResetCamera();
-        m_display->render();
-    };
-    if (button == ui->btn_top_view)
-        set(0, 0, 15, 1, 0);
-    else if (button == ui->btn_left_view)
-        set(-10, 0, 5, 0, 1);
-    else if (button == ui->btn_right_view)
-        set(10, 0, 5, 0, 1);
-    else if (button == ui->btn_front_view)
-        set(0, -10, 5, 0, 1);
-    else
-        set(0, 0, 0, 0, 0);
+    const QObject* b = sender();
+    using viewmotions::CameraView;
+    viewmotions::setCameraView(renderer(), b == ui->btn_top_view    ? CameraView::Top
+                                           : b == ui->btn_left_view ? CameraView::Left
+                                           : b == ui->btn_right_view ? CameraView::Right
+                                                                     : CameraView::Front);
+    m_display->render();
 }
 
 void ScanDeck::showAxes(bool on)
@@ -243,51 +230,12 @@ void ScanDeck::showAxes(bool on)
     m_display->render();
 }
 
-// The pane slides open or shut over a few steps, the window staying live.
-void ScanDeck::toggleTablePane(bool open)
-{
-    const QList<int> sizes = ui->splitter->sizes();
-    const int total = sizes.value(0) + sizes.value(1);
-    const int start = sizes.value(0);
-    const int target = open ? std::min(520, total * 2 / 5) : 0;
-    constexpr int kSteps = 8;
-    for (int step = 1; step <= kSteps; ++step) {
-        const int width = start + (target - start) * step / kSteps;
-        ui->splitter->setSizes({width, total - width});
-        QElapsedTimer pause;
-        pause.start();
-        while (pause.elapsed() < 15)
-            QApplication::processEvents(QEventLoop::AllEvents, 5);
-    }
-}
-
 void ScanDeck::toggleTabPanel()
 {
     const bool show = !ui->tabWidget->isVisible();
     ui->tabWidget->setVisible(show);
     ui->btn_tabWidget_hide->setIcon(QIcon(show ? QStringLiteral(":/images/images/up2.png")
                                                : QStringLiteral(":/images/images/down2.png")));
-}
-
-// The new page drops in from above and settles with a small overshoot.
-void ScanDeck::slideInTab(int index)
-{
-    QWidget* page = ui->tabWidget->widget(index);
-    if (!page)
-        return;
-    const QRect end = page->geometry();
-    auto* animation = new QPropertyAnimation(page, "geometry", page);
-    animation->setDuration(300);
-    animation->setEasingCurve(QEasingCurve::OutBack);
-    animation->setStartValue(QRect(end.x(), -70, end.width(), end.height()));
-    animation->setEndValue(end);
-    // The page may have changed its height meanwhile (its controls wrap on
-    // a narrow window): the stack places it anew once it has landed.
-    connect(animation, &QPropertyAnimation::finished, page, [page] {
-        if (QWidget* stack = page->parentWidget(); stack && stack->layout())
-            stack->layout()->invalidate();
-    });
-    animation->start(QAbstractAnimation::DeleteWhenStopped);
 }
 
 void ScanDeck::restartProgram()

@@ -55,3 +55,15 @@ bool ProgramFiles::locate(const QString& programDir, const QString& configHome, 
     QFile::setPermissions(settingsFile_, QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup | QFile::ReadOther);
     return true;
 }
+
+QString ProgramFiles::styleSheetText()
+{
+    QFile file(styleSheet());
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    QByteArray sheet = file.readAll();
+    const int end = sheet.indexOf('\0');
+    if (end >= 0)
+        sheet.truncate(end);
+    return QString::fromUtf8(sheet);
+}

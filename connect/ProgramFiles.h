@@ -35,6 +35,9 @@ public:
     static bool installed() { return installed_; }
     static QString settingsFile() { return settingsFile_; }
     static QString styleSheet() { return dataDir_ + QStringLiteral("/qss/MacOS.qss"); }
+    // The style sheet's text, up to a NUL byte if it holds one; empty when
+    // it cannot be read.
+    static QString styleSheetText();
     static QString translation() { return dataDir_ + QStringLiteral("/scandeck_zh.qm"); }
     static QString problem() { return problem_; }
 
