@@ -18,6 +18,7 @@ WindowStatusBar::WindowStatusBar(QMainWindow* window, pcl::visualization::PCLVis
     link = new LinkStatusReadout(window);
     row->addReadout(link);
     progress = new QProgressBar(window);
+    progress->setObjectName(QStringLiteral("progressBar_export"));
     progress->setRange(1, 100);
     // The value is the percentage: over the range 1..100 Qt's own text would be one off.
     progress->setFormat(QStringLiteral("%v%"));

@@ -2,31 +2,17 @@
 
 #include <QApplication>
 #include <QEvent>
+#include <QFontMetrics>
+#include <QLabel>
 #include <QMessageBox>
+#include <QScreen>
 #include <QTextDocument>
 
 namespace messagebox {
 namespace {
 
-constexpr QChar kZeroWidthSpace(0x200B);
-
-bool isSeparator(QChar c)
-{
-    return c == QLatin1Char('/') || c == QLatin1Char('\\');
-}
-
-// Long runs only: "0x200B" in every short word would be noise when the
-// user copies the text.
-bool hasLongRun(const QString& text)
-{
-    int run = 0;
-    for (QChar c : text) {
-        run = (c.isSpace() || c == kZeroWidthSpace) ? 0 : run + 1;
-        if (run > kMaxRun)
-            return true;
-    }
-    return false;
-}
+// Room the box needs beside its label: the icon, the margins.
+constexpr int kBesideLabel = 120;
 
 class Fitter : public QObject {
 public:
@@ -37,40 +23,43 @@ protected:
     {
         // Before the box sizes itself in its own show event.
         if (event->type() == QEvent::Show && watched->isWidgetType()) {
-            if (auto* box = qobject_cast<QMessageBox*>(watched)) {
-                const QString text = box->text();
-                const bool rich = box->textFormat() == Qt::RichText
-                                  || (box->textFormat() == Qt::AutoText && Qt::mightBeRichText(text));
-                if (!rich && hasLongRun(text))
-                    box->setText(breakableText(text));
-            }
+            if (auto* box = qobject_cast<QMessageBox*>(watched))
+                fit(box);
         }
         return QObject::eventFilter(watched, event);
+    }
+
+private:
+    static void fit(QMessageBox* box)
+    {
+        auto* label = box->findChild<QLabel*>(QStringLiteral("qt_msgbox_label"));
+        if (!label)
+            return;
+        // A path in the box can be copied out of it as it is.
+        label->setTextInteractionFlags(label->textInteractionFlags() | Qt::TextSelectableByMouse);
+        const QString text = box->text();
+        const bool rich = box->textFormat() == Qt::RichText
+                          || (box->textFormat() == Qt::AutoText && Qt::mightBeRichText(text));
+        if (rich)
+            return;
+        const QScreen* screen = box->screen() ? box->screen() : QGuiApplication::primaryScreen();
+        const int available = screen ? screen->availableGeometry().width() * 9 / 10 - kBesideLabel : 1000;
+        const int needed = longestRunWidth(text, label->font()) + 8;
+        if (needed > label->minimumWidth())
+            label->setMinimumWidth(std::min(needed, available));
     }
 };
 
 }  // namespace
 
-QString breakableText(const QString& text)
+int longestRunWidth(const QString& text, const QFont& font)
 {
-    if (!hasLongRun(text))
-        return text;
-    QString out;
-    out.reserve(text.size() + text.size() / kMaxRun * 2);
-    int run = 0;
-    for (QChar c : text) {
-        out += c;
-        if (c.isSpace() || c == kZeroWidthSpace) {
-            run = 0;
-            continue;
-        }
-        ++run;
-        if (isSeparator(c) || run >= kMaxRun) {
-            out += kZeroWidthSpace;
-            run = 0;
-        }
-    }
-    return out;
+    const QFontMetrics metrics(font);
+    int widest = 0;
+    for (const QString& line : text.split(QLatin1Char('\n')))
+        for (const QString& run : line.split(QLatin1Char(' '), Qt::SkipEmptyParts))
+            widest = std::max(widest, metrics.horizontalAdvance(run));
+    return widest;
 }
 
 void fitAllMessageBoxes()

@@ -43,10 +43,15 @@ void SwitchButton::resizeEvent(QResizeEvent* event)
     const double travel = m_width - m_height;
     m_interval = travel > 0 ? static_cast<int>(1000 / (travel / 0.3)) : 0;
     m_timer.setInterval(m_interval);
-    // A switch made before its layout sized it ran its first travel over a
-    // zero width: let the knob finish the travel over the real one.
-    if (m_checked ? m_knobX <= m_width - m_height : m_knobX >= 0)
+    // A switch not yet on screen (made before its layout sized it, on a page
+    // not shown yet) is first seen in its state: its knob rests at the end.
+    // One on screen finishes its travel over the new width.
+    if (!isVisible()) {
+        m_timer.stop();
+        m_knobX = m_checked ? m_width - m_height + 1 : -1;
+    } else if (m_checked ? m_knobX <= m_width - m_height : m_knobX >= 0) {
         m_timer.start();
+    }
     QWidget::resizeEvent(event);
 }
 
