@@ -22,10 +22,6 @@ const ModelEntry kModels[] = {
     {Model::Tern_GPS, &Tern_GPS::Descriptor},   {Model::Tern_Plus, &Tern_Plus::Descriptor},
     {Model::Wren_Plus, &Wren_Plus::Descriptor}, {Model::Wren_Kite, &Wren_Kite::Descriptor},
 };
-
-// The distance words the simulated Tern models put in every packet (the
-// length-field ones too: kTernVariableLength).
-constexpr int kTernWords = 42;
 }  // namespace
 
 const lidar::ModelDescriptor& describe(Model model)
@@ -70,19 +66,17 @@ bool carriesCalendar(Model model)
     return describe(model).gps.stamped;
 }
 
+// The angles are the simulator's own, written from the packet layouts
+// like its encoders, so that tests can hold them against the descriptors.
 PacketLayout layoutOf(Model model)
 {
-    const lidar::PacketGeometry& geometry = describe(model).geometry;
-    if (geometry.span == lidar::PacketSpan::StartToEnd) {
-        // The packets give their own start and end: samples half a degree
-        // apart, 45 packets of 8 degrees.
-        constexpr double kStep = 0.5;
-        return PacketLayout{45, geometry.groups, geometry.channels, kStep * geometry.groups, kStep};
+    const lidar::ModelDescriptor& described = describe(model);
+    if (described.family == lidar::ModelFamily::Wren) {
+        // 16 samples half a degree apart; 45 packets of 8 degrees.
+        return PacketLayout{45, 16, described.geometry.channels, 8.0, 0.5};
     }
-    // A packet's fixed span, the words spread over it.
-    const int packets = int(std::lround(360.0 / geometry.spanDegrees));
-    return PacketLayout{packets, kTernWords, geometry.channels, geometry.spanDegrees,
-                        geometry.spanDegrees / kTernWords};
+    // The Tern family: 42 distance words over 15 degrees, 24 packets a turn.
+    return PacketLayout{24, 42, 1, 15.0, 15.0 / 42.0};
 }
 
 uint16_t periodWord(double rpm)
