@@ -39,7 +39,8 @@ void Wren_Kite::DecodePacket(Bytes packet, DecodedPacket& out)
 {
     out.reset();
     out.motorSpeed = motorSpeedFromPeriod(be16(packet, 3));
-    const PacketAngles<double>& angles = wren::packetAngles<double>(be16(packet, kStartAngleAt), be16(packet, kEndAngleAt));
+    const PacketAngles<double>& angles =
+        wren::packetAngles<double>(be16(packet, kStartAngleAt), be16(packet, kEndAngleAt));
     // Every point is stored, under channel 0; its azimuths are doubles.
     out.resize(wren::kGroups, true);
     for (size_t k = 0; k < size_t(wren::kGroups); ++k) {

@@ -41,7 +41,8 @@ void Wren_Plus::DecodePacket(Bytes packet, DecodedPacket& out)
     out.motorSpeed = motorSpeedFromPeriod(be16(packet, 3));
     out.hasAmbient = true;
     out.ambient = be16(packet, 103);
-    const PacketAngles<float>& angles = wren::packetAngles<float>(be16(packet, kStartAngleAt), be16(packet, kEndAngleAt));
+    const PacketAngles<float>& angles =
+        wren::packetAngles<float>(be16(packet, kStartAngleAt), be16(packet, kEndAngleAt));
     out.resize(2 * wren::kGroups, false);
     size_t i = 0;
     for (int k = 0; k < wren::kGroups; ++k) {

@@ -12,6 +12,7 @@
 
 #include <QSet>
 #include <QtTest>
+#include <cmath>
 
 using namespace testing;
 
@@ -110,8 +111,9 @@ void ModelDescriptorsTest::packetsAndGpsTimesAreWhereDescribed()
             continue;
         }
         const lidar::GPSTime& t = stamps[i];
-        const QList<int> calendar{2000 + u8(packet, at), u8(packet, at + 1), u8(packet, at + 2), u8(packet, at + 3),
-                                  u8(packet, at + 4),    u8(packet, at + 5), be16(packet, at + 6), be16(packet, at + 8)};
+        const QList<int> calendar{2000 + u8(packet, at), u8(packet, at + 1),  u8(packet, at + 2),
+                                  u8(packet, at + 3),    u8(packet, at + 4),  u8(packet, at + 5),
+                                  be16(packet, at + 6),  be16(packet, at + 8)};
         QCOMPARE(calendar, (QList<int>{t.year, t.month, t.day, t.hour, t.minute, t.second, t.millisecond,
                                        t.microsecond}));
     }
@@ -184,7 +186,8 @@ void ModelDescriptorsTest::simulatedPacketsTileARevolution()
         const double start = lidar::packetStartAngle(d, packet);
         const double span = lidar::packetSpanAngle(d, packet);
         // Angles travel in hundredths of a degree.
-        QVERIFY2(std::abs(start - expectedStart) < 0.011, qPrintable(QStringLiteral("packet %1 at %2").arg(k).arg(start)));
+        QVERIFY2(std::abs(start - expectedStart) < 0.011,
+                 qPrintable(QStringLiteral("packet %1 at %2").arg(k).arg(start)));
         QCOMPARE(qRound(360.0 / span), perRevolution);
         covered += span;
         expectedStart = start + span;
