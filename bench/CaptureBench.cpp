@@ -17,6 +17,7 @@
 #include <QElapsedTimer>
 #include <QFile>
 #include <QTemporaryDir>
+#include <algorithm>
 #include <cstdio>
 
 namespace {
@@ -68,9 +69,8 @@ int convertRecording(const QString& recording, const QString& out)
         std::fprintf(stderr, "cannot read %s\n", qPrintable(recording));
         return 1;
     }
-    elements.removeFirst();  // the model
-    if (!elements.isEmpty() && elements.first().size() < 8)
-        elements.removeFirst();  // Tern_P's version number
+    // The model's name and what its recordings put before their packets.
+    elements.remove(0, std::min(elements.size(), 1 + lidar::recordPrefixElements(QString::fromUtf8(elements.first()))));
     if (!writeFile(out, captureOf(elements))) {
         std::fprintf(stderr, "cannot write %s\n", qPrintable(out));
         return 1;
@@ -97,10 +97,7 @@ int main(int argc, char* argv[])
     std::printf("%-10s %16s %16s %8s %8s\n", "model", "recording pkt/s", "capture pkt/s", "ratio", "frames");
     for (const QString& model : LIdarFactory::GetInstance()->ModelNames()) {
         const QVector<QByteArray> packets = testing::revolutionPackets(model, kRevolutions);
-        const bool ternP = model == QLatin1String("Tern_P");
-        QVector<QByteArray> elements{model.toLatin1()};
-        if (ternP)
-            elements << "215";
+        QVector<QByteArray> elements = lidar::recordHeaderElements(model, 215);
         elements += packets;
         const QString recording = dir.filePath(model + ".txt"), captured = dir.filePath(model + ".pcap");
         QFile file(recording);
@@ -115,7 +112,7 @@ int main(int argc, char* argv[])
             packets.size(), [&] { return qint64(LIdarFactory::GetInstance()->ParseFile(recording).second.size()); });
         capture::CaptureOptions options;
         options.model = model;
-        options.versionNumber = ternP ? 215 : 0;
+        options.versionNumber = 215;  // read by the models whose words depend on the firmware
         const Rate fromCapture = measure(packets.size(), [&] {
             return capture::readCaptureFrames(captured, options, [](lidar::LidarDataPoint_V4&) { return true; }).frames;
         });

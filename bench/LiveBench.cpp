@@ -338,9 +338,9 @@ int runStream(ScanDeck& window, const QString& modelName, sim::Model model, doub
     std::printf("  viewer CPU %.1f%% of one core (%.1f s over %.1f s)\n", 100.0 * viewerCpu / elapsed, viewerCpu,
                 elapsed);
     // The recording holds every packet that arrived, whatever the display
-    // skipped (its header: the model name, for Tern_P the version too).
+    // skipped (after the header elements of the model's recordings).
     const lidar::RecordLayout layout = lidar::scanRecordFile(recording);
-    const qint64 header = modelName == QLatin1String("Tern_P") ? 2 : 1;
+    const qint64 header = 1 + lidar::recordPrefixElements(modelName);
     std::printf("  packets sent while recording %llu, in the recording %lld (%s)\n", (unsigned long long)packetsSent,
                 qint64(layout.complete) - header, layout.isWhole() ? "complete file" : "FILE INCOMPLETE");
     return 0;

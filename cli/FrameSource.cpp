@@ -4,7 +4,6 @@
 #include "CliSupport.h"
 #include "FileScanGeometry.h"
 #include "LIdarFactory.h"
-#include "RecordFile.h"
 #include "RecordingCheck.h"
 #include "RecordingHeader.h"
 #include "RecordingStream.h"
@@ -27,7 +26,9 @@ QString knownModels()
 class RecordingSource : public FrameSource {
 public:
     RecordingSource(QString path, std::unique_ptr<lidar::RecordingStream> stream)
-        : path_(std::move(path)), stream_(std::move(stream))
+        : path_(std::move(path)),
+          stream_(std::move(stream)),
+          described_(LIdarFactory::GetInstance()->FindModel(stream_->model()))
     {
     }
 
@@ -37,7 +38,7 @@ public:
     {
         if (hasGpsTime()) {
             stream_->setPacketObserver([this](const QByteArray& packet) {
-                if (calendarOffset(packet) < 0)
+                if (lidar::calendarOffset(*described_, packet) < 0)
                     return;
                 if (first_.isNull())
                     first_ = packet;
@@ -53,7 +54,7 @@ public:
     QStringList details() const override
     {
         QStringList lines;
-        if (lidar::recordPrefixElements(model()) > 0)
+        if (described_ && described_->recording.firmwareVersion)
             lines << QStringLiteral("version number:    %1").arg(QString::fromLatin1(stream_->versionElement()));
         lines << QStringLiteral("packets:           %1").arg(stream_->packets());
         return lines;
@@ -75,32 +76,18 @@ public:
     }
 
 private:
-    bool hasGpsTime() const
-    {
-        return model() == QLatin1String("Tern_GPS") || model() == QLatin1String("Tern_P")
-               || model() == QLatin1String("Tern_Plus");
-    }
-
-    // Where a data packet carries its calendar time: Tern_GPS packets at 90,
-    // length-field packets 12 bytes before their end; -1: not a data packet.
-    int calendarOffset(const QByteArray& packet) const
-    {
-        if (model() == QLatin1String("Tern_GPS"))
-            return packet.size() == 102 ? 90 : -1;
-        if (packet.size() >= 20 && lidar::tern::lengthFieldMatches(packet))
-            return packet.size() - 12;
-        return -1;
-    }
+    bool hasGpsTime() const { return described_ && described_->gps.stamped; }
 
     QString packetTime(const QByteArray& packet) const
     {
         if (packet.isNull())
             return QStringLiteral("none (no data packet)");
-        return lidar::tern::dateTimeText(lidar::tern::readCalendar(packet, calendarOffset(packet)));
+        return lidar::tern::dateTimeText(lidar::tern::readCalendar(packet, lidar::calendarOffset(*described_, packet)));
     }
 
     QString path_;
     std::unique_ptr<lidar::RecordingStream> stream_;
+    const lidar::ModelDescriptor* described_;  // null for a model the registry does not know
     QByteArray first_, last_;  // the first and last data packets with a calendar time
 };
 

@@ -30,7 +30,8 @@ const char* const kHelp =
     "                         ever sent over the network\n"
     "  --serial <port>        read from this serial port (e.g. /dev/ttyUSB0)\n"
     "  --baud <n>             serial baud rate (default: the model's \"default baud\n"
-    "                         rate\" in ini/connect_type.ini, else 460800)\n"
+    "                         rate\" in ini/connect_type.ini, else the rate the\n"
+    "                         model usually runs at)\n"
     "  --frames <n>           frames to receive before stopping (default 10)\n"
     "  --timeout <s>          give up when the frames have not arrived within s\n"
     "                         seconds (default 10)\n"
@@ -42,15 +43,16 @@ const char* const kHelp =
     "Exit status: 0 all frames arrived, 1 failure or timeout, 2 bad arguments,\n"
     "130 interrupted.\n";
 
-// When the settings file names no baud rate for the model.
-constexpr int kFallbackBaud = 460800;
-
 // The model's "default baud rate" from the settings file, as the viewer's
-// connection dialog preselects it.
+// connection dialog preselects it; without one, the rate its descriptor
+// gives.
 int defaultBaud(const QString& model)
 {
     int baud = 0;
-    return toPositiveInt(IniSettings().value(model, QStringLiteral("default baud rate")), baud) ? baud : kFallbackBaud;
+    if (toPositiveInt(IniSettings().value(model, QStringLiteral("default baud rate")), baud))
+        return baud;
+    const lidar::ModelDescriptor* described = LIdarFactory::GetInstance()->FindModel(model);
+    return described ? described->baudRate : 0;
 }
 
 struct ListenOptions {
@@ -62,7 +64,7 @@ struct ListenOptions {
     QString lidarIp;
     quint16 lidarPort = 0;
     QString serialPort;
-    int baud = kFallbackBaud;
+    int baud = 0;
     int frames = 10;
     double timeoutSeconds = 10.0;
     QString output;

@@ -41,10 +41,10 @@ int runRepair(const QStringList& arguments)
     if (!layout.hasCount || layout.complete == 0)
         return fileError(recording, QStringLiteral("not a recording: it holds no complete element"));
     const QString model = QString::fromUtf8(layout.first);
-    if (!LIdarFactory::GetInstance()->parseMap.contains(model))
+    const lidar::ModelDescriptor* described = LIdarFactory::GetInstance()->FindModel(model);
+    if (!described)
         return fileError(recording, QStringLiteral("not a recording of a known model: left as it is"));
-    // The model name, and for Tern_P its firmware version, come before the packets.
-    const qint64 headerElements = model == QLatin1String("Tern_P") ? 2 : 1;
+    const qint64 headerElements = described->recording.elements();
     const auto packets = [&](qint64 elements) { return qMax<qint64>(0, elements - headerElements); };
 
     if (layout.isWhole()) {

@@ -67,7 +67,7 @@ int main(int argc, char* argv[])
 {
     QCoreApplication app(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("scandeck-cli"));
-    QCoreApplication::setApplicationVersion(QStringLiteral("1.0.2"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(SCANDECK_VERSION));
     // Installed, 'listen' reads the operator's settings file, or the shipped one.
     ProgramFiles::locate(ProgramFiles::UserSettings::ReadShippedIfNone);
     const int code = run(QCoreApplication::arguments());

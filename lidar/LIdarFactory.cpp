@@ -10,6 +10,7 @@
 
 #include <QCoreApplication>
 #include <QThread>
+#include <algorithm>
 
 namespace {
 // Built before main() so that every model is known from the start.
@@ -23,37 +24,19 @@ LIdarFactory* LIdarFactory::GetInstance()
 
 QString LIdarFactory::VersionText()
 {
-    return QStringLiteral("RQ ScanDeck ：System64-Version 1.0.2");
+    return QStringLiteral("RQ ScanDeck ：System64-Version " SCANDECK_VERSION);
 }
 
 LIdarFactory::LIdarFactory() : QObject(nullptr)
 {
     workerThread = new QThread();
-    const QMetaObject* models[] = {
-        &Wren_Kite::staticMetaObject, &Wren_Plus::staticMetaObject, &Tern::staticMetaObject,
-        &Tern_GPS::staticMetaObject,  &Tern_P::staticMetaObject,    &Tern_Plus::staticMetaObject,
-    };
-    const ParseFunction parsers[] = {
-        &Wren_Kite::ParseRecordedPackets, &Wren_Plus::ParseRecordedPackets, &Tern::ParseRecordedPackets,
-        &Tern_GPS::ParseRecordedPackets,  &Tern_P::ParseRecordedPackets,    &Tern_Plus::ParseRecordedPackets,
-    };
-    for (const QMetaObject* mo : models)
-        RegisterClass(mo);
-    const BatchParseFunction batchParsers[] = {
-        &Wren_Kite::ParseRecordedBatch, &Wren_Plus::ParseRecordedBatch, &Tern::ParseRecordedBatch,
-        &Tern_GPS::ParseRecordedBatch,  &Tern_P::ParseRecordedBatch,    &Tern_Plus::ParseRecordedBatch,
-    };
-    for (size_t i = 0; i < sizeof(parsers) / sizeof(parsers[0]); ++i)
-        RegisterParseFunction(QString::fromLatin1(models[i]->className()), parsers[i]);
-    for (size_t i = 0; i < sizeof(batchParsers) / sizeof(batchParsers[0]); ++i)
-        RegisterBatchParseFunction(QString::fromLatin1(models[i]->className()), batchParsers[i]);
-    lidar::OfflineParser* offline[] = {
-        &lidar::ModelOfflineParser<Wren_Kite>::shared(), &lidar::ModelOfflineParser<Wren_Plus>::shared(),
-        &lidar::ModelOfflineParser<Tern>::shared(),      &lidar::ModelOfflineParser<Tern_GPS>::shared(),
-        &lidar::ModelOfflineParser<Tern_P>::shared(),    &lidar::ModelOfflineParser<Tern_Plus>::shared(),
-    };
-    for (size_t i = 0; i < sizeof(offline) / sizeof(offline[0]); ++i)
-        RegisterOfflineParser(QString::fromLatin1(models[i]->className()), offline[i]);
+    // The order in which the models are offered wherever a list is shown.
+    RegisterModel(Wren_Kite::Descriptor());
+    RegisterModel(Wren_Plus::Descriptor());
+    RegisterModel(Tern::Descriptor());
+    RegisterModel(Tern_GPS::Descriptor());
+    RegisterModel(Tern_P::Descriptor());
+    RegisterModel(Tern_Plus::Descriptor());
 }
 
 LIdarFactory::~LIdarFactory()
@@ -67,6 +50,34 @@ void LIdarFactory::Shutdown()
     currentLidar.reset();
     retireThread();
     workerThread = nullptr;
+}
+
+void LIdarFactory::RegisterModel(const lidar::ModelDescriptor& model)
+{
+    const QString name = model.name();
+    RegisterClass(model.metaObject);
+    RegisterParseFunction(name, model.parseRecording);
+    RegisterBatchParseFunction(name, model.parseBatch);
+    RegisterOfflineParser(name, &model.offlineParser());
+    const auto registered = std::find_if(models_.begin(), models_.end(),
+                                         [&](const lidar::ModelDescriptor* m) { return m->name() == name; });
+    if (registered != models_.end())
+        *registered = &model;
+    else
+        models_.append(&model);
+}
+
+const lidar::ModelDescriptor* LIdarFactory::FindModel(const QString& name) const
+{
+    for (const lidar::ModelDescriptor* model : models_)
+        if (QLatin1String(model->metaObject->className()) == name)
+            return model;
+    return nullptr;
+}
+
+QVector<const lidar::ModelDescriptor*> LIdarFactory::Models() const
+{
+    return models_;
 }
 
 void LIdarFactory::RegisterClass(const QMetaObject* metaObject)

@@ -1,11 +1,13 @@
 #pragma once
 // The registry of lidar models: for each class name the meta-object that
-// creates a live session and the static function that parses a recording.
-// It owns the worker thread of the current session. One instance per
-// process, built before main() runs.
+// creates a live session and the static function that parses a recording,
+// both taken from the model's descriptor, and the descriptor itself. It owns
+// the worker thread of the current session. One instance per process, built
+// before main() runs.
 
 #include "LidarAnalysis.h"
 #include "LidarRecords.h"
+#include "ModelDescriptor.h"
 #include "OfflineParser.h"
 
 #include <QByteArray>
@@ -29,6 +31,15 @@ class LIdarFactory : public QObject {
     Q_OBJECT
 public:
     static LIdarFactory* GetInstance();
+
+    // Registers a model with every part its descriptor names: its class,
+    // its parse functions and its offline parser, under its class name.
+    void RegisterModel(const lidar::ModelDescriptor& model);
+    // The descriptor of a model registered with RegisterModel; null for any
+    // other name.
+    const lidar::ModelDescriptor* FindModel(const QString& name) const;
+    // The descriptors in registration order.
+    QVector<const lidar::ModelDescriptor*> Models() const;
 
     void RegisterClass(const QMetaObject* metaObject);
     // A parse function registered on its own, without a batch form, is
@@ -72,4 +83,5 @@ private:
     void stopWorker();
     void retireThread();
     QStringList registrationOrder_;
+    QVector<const lidar::ModelDescriptor*> models_;
 };

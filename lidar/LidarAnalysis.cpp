@@ -1,5 +1,7 @@
 #include "LidarAnalysis.h"
 
+#include "RecordFile.h"
+
 #include <QElapsedTimer>
 #include <QEventLoop>
 #include <QHostAddress>
@@ -202,10 +204,7 @@ void LidarAnalysis::AbandonSaveData()
 
 QVector<QByteArray> LidarAnalysis::recordingHeader() const
 {
-    const QByteArray className(metaObject()->className());
-    if (className == "Tern_P")
-        return {className, QByteArray::number(versionNumber.load(), 10)};
-    return {className};
+    return lidar::recordHeaderElements(QString::fromLatin1(metaObject()->className()), versionNumber.load());
 }
 
 bool LidarAnalysis::startRecording(const QString& fileName)

@@ -147,7 +147,7 @@ protected:
     }
     uint8_t storedFrequency() const;
     void storeFrequency(uint8_t frequency);
-    // The header elements of a recording: the class name, for Tern_P its version.
+    // The header elements of a recording, as the model's descriptor has them.
     QVector<QByteArray> recordingHeader() const;
     // Ends a revolution: reports it while connected and shifts the early
     // points of the next revolution into the frame being built.

@@ -1,19 +1,14 @@
 #include "ModelGeometry.h"
 
+#include "LIdarFactory.h"
+#include "ModelDescriptor.h"
 #include "TernProtocol.h"
-#include "Tern.h"
-#include "Tern_GPS.h"
 #include "WrenProtocol.h"
-#include "Wren_Kite.h"
-#include "Wren_Plus.h"
 
 namespace lidar {
 namespace {
 
-constexpr double kFifteenBitRange = 32.767;  // metres
-constexpr double kSixteenBitRange = 65.535;
 constexpr double kNearest = 0.001;
-constexpr double kTernPacketSpan = 15.0;  // degrees
 
 // A fixed-size Tern packet: header, trailer in its last two bytes.
 bool isFixedTernPacket(decode::Bytes bytes, int size)
@@ -21,25 +16,26 @@ bool isFixedTernPacket(decode::Bytes bytes, int size)
     return bytes.size >= size && decode::findHeader(bytes, 0) == 0 && decode::findTrailer(bytes, size - 2) == size - 2;
 }
 
-// Tern and Tern_GPS: 42 words at 6, the 41st counts only when the 40th is zero.
-double fixedTernStep(decode::Bytes packet)
+// The points a fixed-size packet makes of its words: with the 41st-word
+// rule, the 41st counts only when the 40th word is zero.
+double fixedTernStep(const ModelDescriptor& model, decode::Bytes packet)
 {
-    constexpr int kWords = 42, kFortiethWord = 6 + 39 * 2;
-    const int points = decode::be16(packet, kFortiethWord) == 0 ? kWords : kWords - 1;
-    return kTernPacketSpan / points;
+    const PacketGeometry& g = model.geometry;
+    const int fortiethWord = g.measurementsAt + 39 * 2;
+    const bool dropped = g.dropsThe41stWord && decode::be16(packet, fortiethWord) != 0;
+    return g.spanDegrees / (dropped ? g.groups - 1 : g.groups);
 }
 
-ScanGeometry ternGeometry(decode::Bytes bytes, int packetSize)
+ScanGeometry ternGeometry(const ModelDescriptor& model, decode::Bytes bytes)
 {
-    if (!isFixedTernPacket(bytes, packetSize))
+    if (!isFixedTernPacket(bytes, model.packets.dataSize))
         return {};
-    return {fixedTernStep(bytes), kNearest, kFifteenBitRange};
+    return {fixedTernStep(model, bytes), kNearest, farthestDistance(model)};
 }
 
-// Tern_P and Tern_Plus: every word of the length-field packet is a point
-// (Tern_P's older firmware skips missing echoes, which leaves gaps, not a
-// wider step).
-ScanGeometry lengthFieldGeometry(decode::Bytes bytes)
+// Length-field packets: every word is a point (Tern_P's older firmware
+// skips missing echoes, which leaves gaps, not a wider step).
+ScanGeometry lengthFieldGeometry(const ModelDescriptor& model, decode::Bytes bytes)
 {
     if (bytes.size < tern::kVariableOverhead || decode::findHeader(bytes, 0) != 0)
         return {};
@@ -49,35 +45,37 @@ ScanGeometry lengthFieldGeometry(decode::Bytes bytes)
     const int words = tern::variableWordCount(length);
     if (words <= 0)
         return {};
-    return {kTernPacketSpan / words, kNearest, kSixteenBitRange};
+    return {model.geometry.spanDegrees / words, kNearest, farthestDistance(model)};
 }
 
-ScanGeometry wrenGeometry(decode::Bytes bytes, int packetSize, uint8_t type, int endOffset)
+ScanGeometry wrenGeometry(const ModelDescriptor& model, decode::Bytes bytes)
 {
-    if (bytes.size < packetSize || decode::findHeader(bytes, 0) != 0 || decode::u8(bytes, 2) != type
-        || !wren::checksumMatches(bytes, 0, packetSize))
+    const int size = model.packets.dataSize;
+    if (bytes.size < size || decode::findHeader(bytes, 0) != 0 || decode::u8(bytes, 2) != model.packets.packetType
+        || !wren::checksumMatches(bytes, 0, size))
         return {};
-    constexpr int kStartOffset = 5;
-    const uint16_t start = decode::be16(bytes, kStartOffset), end = decode::be16(bytes, endOffset);
-    return {wren::groupAngles<double>(start, end).step, kNearest, kSixteenBitRange};
+    const uint16_t start = decode::be16(bytes, model.geometry.startAngleAt);
+    const uint16_t end = decode::be16(bytes, model.geometry.endAngleAt);
+    return {wren::groupAngles<double>(start, end).step, kNearest, farthestDistance(model)};
 }
 
 }  // namespace
 
-ScanGeometry scanGeometry(const QString& model, const QByteArray& bytes)
+ScanGeometry scanGeometry(const ModelDescriptor& model, const QByteArray& bytes)
 {
     const decode::Bytes b(bytes);
-    if (model == QLatin1String("Tern"))
-        return ternGeometry(b, Tern::kPacketSize);
-    if (model == QLatin1String("Tern_GPS"))
-        return ternGeometry(b, Tern_GPS::kPacketSize);
-    if (model == QLatin1String("Tern_P") || model == QLatin1String("Tern_Plus"))
-        return lengthFieldGeometry(b);
-    if (model == QLatin1String("Wren_Plus"))
-        return wrenGeometry(b, Wren_Plus::kPacketSize, Wren_Plus::kPacketType, 105);
-    if (model == QLatin1String("Wren_Kite"))
-        return wrenGeometry(b, Wren_Kite::kPacketSize, Wren_Kite::kPacketType, 55);
+    switch (model.packets.framing) {
+    case PacketFraming::FixedSize: return ternGeometry(model, b);
+    case PacketFraming::LengthField: return lengthFieldGeometry(model, b);
+    case PacketFraming::TypedChecksum: return wrenGeometry(model, b);
+    }
     return {};
+}
+
+ScanGeometry scanGeometry(const QString& model, const QByteArray& bytes)
+{
+    const ModelDescriptor* described = LIdarFactory::GetInstance()->FindModel(model);
+    return described ? scanGeometry(*described, bytes) : ScanGeometry();
 }
 
 }  // namespace lidar

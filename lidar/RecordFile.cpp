@@ -1,6 +1,7 @@
 #include "RecordFile.h"
 
 #include "FileSync.h"
+#include "LIdarFactory.h"
 #include "RecordReader.h"
 
 #include <QDataStream>
@@ -35,7 +36,17 @@ QVector<QByteArray> readRecordFile(const QString& fileName)
 
 int recordPrefixElements(const QString& model)
 {
-    return model == QLatin1String("Tern_P") ? 1 : 0;
+    const ModelDescriptor* described = LIdarFactory::GetInstance()->FindModel(model);
+    return described ? described->recording.prefixElements() : 0;
+}
+
+QVector<QByteArray> recordHeaderElements(const QString& model, uint32_t versionNumber)
+{
+    QVector<QByteArray> header{model.toLatin1()};
+    const ModelDescriptor* described = LIdarFactory::GetInstance()->FindModel(model);
+    if (described && described->recording.firmwareVersion)
+        header.append(QByteArray::number(versionNumber, 10));
+    return header;
 }
 
 bool writeRecordElements(QIODevice& device, const QVector<QByteArray>& elements)

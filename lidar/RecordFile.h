@@ -1,12 +1,14 @@
 #pragma once
 // The recorded data file: one QDataStream-serialised QVector<QByteArray>.
-// Element 0 is the model's class name, for Tern_P element 1 its firmware
-// version number as decimal text, then the raw packets as they were cut.
+// Element 0 is the model's class name, for a model whose descriptor says so
+// element 1 its firmware version number as decimal text, then the raw
+// packets as they were cut.
 
 #include <QByteArray>
 #include <QIODevice>
 #include <QString>
 #include <QVector>
+#include <cstdint>
 
 namespace lidar {
 
@@ -16,9 +18,12 @@ namespace lidar {
 QVector<QByteArray> readRecordElements(QIODevice& device);
 // The same from a file; an unreadable file gives an empty list.
 QVector<QByteArray> readRecordFile(const QString& fileName);
-// Elements between the class name and the first packet: 1 for Tern_P (its
-// version number), 0 for every other model.
+// Elements between the class name and the first packet, as the model's
+// descriptor gives them; 0 for a model without one.
 int recordPrefixElements(const QString& model);
+// The elements a recording of `model` begins with: its name and, where
+// its descriptor asks for it, `versionNumber` as decimal text.
+QVector<QByteArray> recordHeaderElements(const QString& model, uint32_t versionNumber);
 // Writes `elements` the way readRecordElements reads them.
 bool writeRecordElements(QIODevice& device, const QVector<QByteArray>& elements);
 

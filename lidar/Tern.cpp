@@ -10,14 +10,39 @@ int Tern::filterAttempts = 0;
 
 Tern::Tern(QObject* parent) : LidarAnalysis(parent) {}
 
+const lidar::ModelDescriptor& Tern::Descriptor()
+{
+    static const lidar::ModelDescriptor model = [] {
+        auto d = lidar::ModelDescriptor::of<Tern>(lidar::ModelFamily::Tern);
+        d.packets.framing = lidar::PacketFraming::FixedSize;
+        d.packets.dataSize = kPacketSize;
+        d.packets.replySize = kReplySize;
+        d.packets.replyVersionAt = kReplyVersionAt;
+        d.baudRate = 230400;
+        d.commands.readParamClass = tern::kClass01;
+        d.commands.setFilterClass = tern::kClass55;
+        d.commands.filterModes = 3;
+        d.geometry.span = lidar::PacketSpan::Fixed;
+        d.geometry.startAngleAt = kStartAngleAt;
+        d.geometry.spanDegrees = 15.0;
+        d.geometry.measurementsAt = kWordsAt;
+        d.geometry.groups = kWords;
+        d.geometry.channels = 1;
+        d.geometry.dropsThe41stWord = kDropsThe41stWord;
+        d.distanceBits = 15;  // bit 15 is the intensity flag
+        return d;
+    }();
+    return model;
+}
+
 void Tern::DecodePacket(Bytes packet, DecodedPacket& out)
 {
-    tern::decodeBody(packet, 2, 6, 42, tern::kFlaggedWords, true, out);
+    tern::decodeBody(packet, kStartAngleAt, kWordsAt, kWords, tern::kFlaggedWords, kDropsThe41stWord, out);
 }
 
 void Tern::DecodeReply(Bytes reply, LidarParam& param)
 {
-    tern::readReply(reply, 175, param);
+    tern::readReply(reply, kReplyVersionAt, param);
 }
 
 void Tern::ParseLidarData()
@@ -51,7 +76,7 @@ bool Tern::AddRecordedPacket(OfflineState& state, const QByteArray& packet, QVec
 
 QByteArray Tern::ReadParamCommand()
 {
-    return tern::readParamCommand(tern::kClass01, storedFrequency());
+    return tern::readParamCommand(Descriptor().commands.readParamClass, storedFrequency());
 }
 
 void Tern::SetMotorFrequency(quint8 frequency)
@@ -62,6 +87,7 @@ void Tern::SetMotorFrequency(quint8 frequency)
 
 void Tern::SetLidarFilter(int mode)
 {
-    sendWithRetries(tern::setFilterCommand(tern::kClass55, mode, storedFrequency()), filterAttempts);
+    sendWithRetries(tern::setFilterCommand(Descriptor().commands.setFilterClass, mode, storedFrequency()),
+                    filterAttempts);
     SetMotorFrequency(storedFrequency());
 }

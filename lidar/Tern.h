@@ -15,12 +15,15 @@
 
 #include "LidarAnalysis.h"
 #include "DecodeCommon.h"
+#include "ModelDescriptor.h"
 #include "OfflineParser.h"
 
 class Tern : public LidarAnalysis {
     Q_OBJECT
 public:
     Q_INVOKABLE explicit Tern(QObject* parent = nullptr);
+
+    static const lidar::ModelDescriptor& Descriptor();
 
     void ParseLidarData() override;
     QByteArray ReadParamCommand() override;
@@ -52,6 +55,13 @@ public:
 
     static constexpr int kPacketSize = 92;
     static constexpr int kReplySize = 186;
+    static constexpr int kReplyVersionAt = 175;
+    // The fixed-size layout, Tern_GPS's too: start angle at 2, the period
+    // word after it, 42 distance words from 6.
+    static constexpr int kStartAngleAt = 2;
+    static constexpr int kWordsAt = 6;
+    static constexpr int kWords = 42;
+    static constexpr bool kDropsThe41stWord = true;
 
     static float previousAzimuth;  // live, shared by every Tern session
     static int filterAttempts;     // program-wide, never reset

@@ -1,8 +1,9 @@
 #pragma once
 // The commands the three GPS-stamped Tern models (Tern_P, Tern_GPS,
-// Tern_Plus) share: read parameters and set frequency with class byte 0x55,
-// set filter with class byte 0x01. Each model gets its own program-wide
-// filter retry counter, one template instance per model.
+// Tern_Plus) share: read parameters and set filter with the class bytes
+// their descriptors give (0x55 and 0x01), set frequency with 0x55. Each
+// model gets its own program-wide filter retry counter, one template
+// instance per model.
 
 #include "LidarAnalysis.h"
 #include "TernProtocol.h"
@@ -15,7 +16,10 @@ class GpsSession : public LidarAnalysis {
 public:
     explicit GpsSession(QObject* parent) : LidarAnalysis(parent) {}
 
-    QByteArray ReadParamCommand() override { return readParamCommand(kClass55, storedFrequency()); }
+    QByteArray ReadParamCommand() override
+    {
+        return readParamCommand(Model::Descriptor().commands.readParamClass, storedFrequency());
+    }
 
     void SetMotorFrequency(quint8 frequency) override
     {
@@ -25,7 +29,8 @@ public:
 
     void SetLidarFilter(int mode) override
     {
-        sendWithRetries(setFilterCommand(kClass01, mode, storedFrequency()), filterAttempts);
+        sendWithRetries(setFilterCommand(Model::Descriptor().commands.setFilterClass, mode, storedFrequency()),
+                        filterAttempts);
         SetMotorFrequency(storedFrequency());
     }
 

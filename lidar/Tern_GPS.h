@@ -19,6 +19,7 @@
 
 #include "TernGpsSession.h"
 #include "DecodeCommon.h"
+#include "ModelDescriptor.h"
 #include "OfflineParser.h"
 #include "TernProtocol.h"
 
@@ -26,6 +27,8 @@ class Tern_GPS : public lidar::tern::GpsSession<Tern_GPS> {
     Q_OBJECT
 public:
     Q_INVOKABLE explicit Tern_GPS(QObject* parent = nullptr);
+
+    static const lidar::ModelDescriptor& Descriptor();
 
     void ParseLidarData() override;
 

@@ -8,6 +8,31 @@ tern::PacketClock Tern_P::packetClock;
 
 Tern_P::Tern_P(QObject* parent) : GpsSession(parent) {}
 
+const lidar::ModelDescriptor& Tern_P::Descriptor()
+{
+    static const lidar::ModelDescriptor model = [] {
+        auto d = lidar::ModelDescriptor::of<Tern_P>(lidar::ModelFamily::Tern);
+        d.packets.framing = lidar::PacketFraming::LengthField;
+        d.packets.replySize = kReplySize;
+        d.packets.replyVersionAt = kReplyVersionAt;
+        d.gps.stamped = true;
+        d.gps.calendarAt = -12;  // the calendar and the trailer end the packet
+        d.baudRate = 460800;
+        d.commands.readParamClass = tern::kClass55;
+        d.commands.setFilterClass = tern::kClass01;
+        d.commands.filterModes = 3;
+        d.recording = kRecording;
+        d.geometry.span = lidar::PacketSpan::Fixed;
+        d.geometry.startAngleAt = 4;  // after the length field
+        d.geometry.spanDegrees = 15.0;
+        d.geometry.measurementsAt = tern::kVariableWordsOffset;
+        d.geometry.channels = 1;
+        d.distanceBits = 16;  // whole-word distances from firmware 215 on
+        return d;
+    }();
+    return model;
+}
+
 tern::CalendarTime Tern_P::DecodePacket(Bytes packet, uint32_t version, DecodedPacket& out)
 {
     const tern::WordEncoding encoding = version < kPlainWordsFrom ? tern::kFlaggedWords : tern::kPlainWords;
@@ -16,7 +41,7 @@ tern::CalendarTime Tern_P::DecodePacket(Bytes packet, uint32_t version, DecodedP
 
 uint32_t Tern_P::DecodeReply(Bytes reply, LidarParam& param)
 {
-    tern::readReply(reply, 173, param);
+    tern::readReply(reply, kReplyVersionAt, param);
     return uint32_t(s8(reply, 176) * 100 + s8(reply, 177) * 10 + s8(reply, 178));
 }
 
@@ -37,7 +62,7 @@ void Tern_P::ParseLidarData()
 
 bool Tern_P::ParseRecordedBatch(const QVector<QByteArray>& elements, QVector<lidar::LidarDataPoint_V4>& frames)
 {
-    return lidar::parseSharedBatch<Tern_P, 1>(elements, frames);
+    return lidar::parseSharedBatch<Tern_P, kRecording.prefixElements()>(elements, frames);
 }
 
 void Tern_P::SetRecordPrefix(OfflineState& state, const QVector<QByteArray>& prefix)

@@ -24,6 +24,7 @@
 
 #include "TernGpsSession.h"
 #include "DecodeCommon.h"
+#include "ModelDescriptor.h"
 #include "OfflineParser.h"
 #include "TernProtocol.h"
 
@@ -31,6 +32,8 @@ class Tern_P : public lidar::tern::GpsSession<Tern_P> {
     Q_OBJECT
 public:
     Q_INVOKABLE explicit Tern_P(QObject* parent = nullptr);
+
+    static const lidar::ModelDescriptor& Descriptor();
 
     void ParseLidarData() override;
 
@@ -66,7 +69,10 @@ public:
 
     static constexpr int kMinimumBuffer = 92;
     static constexpr int kReplySize = 188;
+    static constexpr int kReplyVersionAt = 173;
     static constexpr uint32_t kPlainWordsFrom = 215;  // first version with whole-word distances
+    // A recording holds the firmware version after the class name.
+    static constexpr lidar::RecordingHeader kRecording{true};
 
     // Live state shared by every Tern_P session.
     static float previousAzimuth;

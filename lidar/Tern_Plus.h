@@ -22,6 +22,7 @@
 
 #include "TernGpsSession.h"
 #include "DecodeCommon.h"
+#include "ModelDescriptor.h"
 #include "OfflineParser.h"
 #include "TernProtocol.h"
 
@@ -29,6 +30,8 @@ class Tern_Plus : public lidar::tern::GpsSession<Tern_Plus> {
     Q_OBJECT
 public:
     Q_INVOKABLE explicit Tern_Plus(QObject* parent = nullptr);
+
+    static const lidar::ModelDescriptor& Descriptor();
 
     void ParseLidarData() override;
     // The byte is the motor speed setting as a signed char.
@@ -62,6 +65,7 @@ public:
 
     static constexpr int kMinimumBuffer = 92;
     static constexpr int kReplySize = 188;
+    static constexpr int kReplyVersionAt = 173;
 
     // Live state shared by every Tern_Plus session.
     static float previousAzimuth;

@@ -40,14 +40,14 @@ Piece cutPiece(decode::Bytes bytes, int& used, int packetSize, uint8_t packetTyp
 
 void decodeReply(decode::Bytes reply, LidarParam& param)
 {
-    param.text = decode::versionText(reply, 173, false);
+    param.text = decode::versionText(reply, kReplyVersionAt, false);
     param.value1 = u8(reply, 181) == 1 ? 0 : 1;
     param.value2 = u8(reply, 172);
 }
 
 QByteArray readParamCommand(uint8_t frequency)
 {
-    return commandPacket(0x55, 3, frequency);
+    return commandPacket(kReadParamClass, 3, frequency);
 }
 
 QByteArray setFrequencyCommand(uint8_t frequency)
@@ -62,7 +62,7 @@ QByteArray setDeviceParamCommand(uint8_t value)
 
 QByteArray setFilterCommand(int mode, uint8_t frequency)
 {
-    return commandPacket(0x01, 6, frequency, {{181, uint8_t(mode == 0 ? 1 : 0)}});
+    return commandPacket(kSetFilterClass, 6, frequency, {{181, uint8_t(mode == 0 ? 1 : 0)}});
 }
 
 }  // namespace wren

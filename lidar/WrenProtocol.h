@@ -20,7 +20,11 @@ namespace lidar {
 namespace wren {
 
 constexpr int kReplySize = 188;
+constexpr int kReplyVersionAt = 173;
 constexpr int kGroups = 16;
+// Class bytes: reading parameters (and the reply) 0x55, setting the filter 0x01.
+constexpr uint8_t kReadParamClass = 0x55;
+constexpr uint8_t kSetFilterClass = 0x01;
 
 // A piece waiting at a header is at most a reply long; more bytes than
 // this before it, junk that came along with it, are dropped.

@@ -9,15 +9,42 @@ double Wren_Kite::previousAzimuth = -1.0;
 
 Wren_Kite::Wren_Kite(QObject* parent) : WrenSession(parent) {}
 
+const lidar::ModelDescriptor& Wren_Kite::Descriptor()
+{
+    static const lidar::ModelDescriptor model = [] {
+        auto d = lidar::ModelDescriptor::of<Wren_Kite>(lidar::ModelFamily::Wren);
+        d.packets.framing = lidar::PacketFraming::TypedChecksum;
+        d.packets.dataSize = kPacketSize;
+        d.packets.packetType = kPacketType;
+        d.packets.replySize = wren::kReplySize;
+        d.packets.replyVersionAt = wren::kReplyVersionAt;
+        d.baudRate = 230400;
+        d.commands.readParamClass = wren::kReadParamClass;
+        d.commands.setFilterClass = wren::kSetFilterClass;
+        d.commands.filterModes = 2;
+        d.commands.deviceParam = lidar::DeviceParam::ValueAt172;
+        d.geometry.span = lidar::PacketSpan::StartToEnd;
+        d.geometry.startAngleAt = kStartAngleAt;
+        d.geometry.endAngleAt = kEndAngleAt;
+        d.geometry.measurementsAt = kGroupsAt;
+        d.geometry.groups = wren::kGroups;
+        d.geometry.channels = 1;
+        d.distanceBits = 16;
+        return d;
+    }();
+    return model;
+}
+
 void Wren_Kite::DecodePacket(Bytes packet, DecodedPacket& out)
 {
     out.reset();
     out.motorSpeed = motorSpeedFromPeriod(be16(packet, 3));
-    const PacketAngles<double>& angles = wren::packetAngles<double>(be16(packet, 5), be16(packet, 55));
+    const PacketAngles<double>& angles =
+        wren::packetAngles<double>(be16(packet, kStartAngleAt), be16(packet, kEndAngleAt));
     // Every point is stored, under channel 0; its azimuths are doubles.
     out.resize(wren::kGroups, true);
     for (size_t k = 0; k < size_t(wren::kGroups); ++k) {
-        const int at = 7 + 3 * int(k);
+        const int at = kGroupsAt + 3 * int(k);
         setPoint(out, k, 0, angles.azimuths[k], be16(packet, at), u8(packet, at + 2), angles.trig[k]);
     }
 }

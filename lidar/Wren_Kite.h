@@ -17,13 +17,16 @@
 // (truncated), so its revolution test can differ from the live one near the
 // 15-degree threshold. 188-byte replies and commands: WrenProtocol.h.
 
-#include "WrenSession.h"
+#include "ModelDescriptor.h"
 #include "OfflineParser.h"
+#include "WrenSession.h"
 
 class Wren_Kite : public lidar::wren::WrenSession<Wren_Kite> {
     Q_OBJECT
 public:
     Q_INVOKABLE explicit Wren_Kite(QObject* parent = nullptr);
+
+    static const lidar::ModelDescriptor& Descriptor();
 
     // Every element is taken as a data packet; no header, type or checksum test.
     static QVector<lidar::LidarDataPoint_V4> ParseRecordedPackets(const QVector<QByteArray>& packets)
@@ -47,6 +50,9 @@ public:
     static void DecodePacket(lidar::decode::Bytes packet, lidar::decode::DecodedPacket& out);
 
     static constexpr int kPacketSize = 58;
+    static constexpr int kStartAngleAt = 5;
+    static constexpr int kGroupsAt = 7;
+    static constexpr int kEndAngleAt = 55;
     static constexpr uint8_t kPacketType = 0x3A;
 
     // Live state shared by every Wren_Kite session.

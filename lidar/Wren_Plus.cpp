@@ -9,20 +9,47 @@ float Wren_Plus::previousAzimuth = -1.0f;
 
 Wren_Plus::Wren_Plus(QObject* parent) : WrenSession(parent) {}
 
+const lidar::ModelDescriptor& Wren_Plus::Descriptor()
+{
+    static const lidar::ModelDescriptor model = [] {
+        auto d = lidar::ModelDescriptor::of<Wren_Plus>(lidar::ModelFamily::Wren);
+        d.packets.framing = lidar::PacketFraming::TypedChecksum;
+        d.packets.dataSize = kPacketSize;
+        d.packets.packetType = kPacketType;
+        d.packets.replySize = wren::kReplySize;
+        d.packets.replyVersionAt = wren::kReplyVersionAt;
+        d.baudRate = 460800;
+        d.commands.readParamClass = wren::kReadParamClass;
+        d.commands.setFilterClass = wren::kSetFilterClass;
+        d.commands.filterModes = 2;
+        d.commands.deviceParam = lidar::DeviceParam::ValueAt172;
+        d.geometry.span = lidar::PacketSpan::StartToEnd;
+        d.geometry.startAngleAt = kStartAngleAt;
+        d.geometry.endAngleAt = kEndAngleAt;
+        d.geometry.measurementsAt = kGroupsAt;
+        d.geometry.groups = wren::kGroups;
+        d.geometry.channels = 2;
+        d.distanceBits = 16;
+        return d;
+    }();
+    return model;
+}
+
 void Wren_Plus::DecodePacket(Bytes packet, DecodedPacket& out)
 {
     out.reset();
     out.motorSpeed = motorSpeedFromPeriod(be16(packet, 3));
     out.hasAmbient = true;
     out.ambient = be16(packet, 103);
-    const PacketAngles<float>& angles = wren::packetAngles<float>(be16(packet, 5), be16(packet, 105));
+    const PacketAngles<float>& angles =
+        wren::packetAngles<float>(be16(packet, kStartAngleAt), be16(packet, kEndAngleAt));
     out.resize(2 * wren::kGroups, false);
     size_t i = 0;
     for (int k = 0; k < wren::kGroups; ++k) {
         const float azimuth = angles.azimuths[size_t(k)];
         const SinCos& t = angles.trig[size_t(k)];
         for (int channel = 0; channel < 2; ++channel, ++i) {
-            const int at = 7 + 6 * k + 3 * channel;
+            const int at = kGroupsAt + 6 * k + 3 * channel;
             const int32_t distance = be16(packet, at);
             setPoint(out, i, channel, azimuth, distance, u8(packet, at + 2), t);
             out.kept[i] = distance > 0;

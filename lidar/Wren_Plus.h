@@ -18,13 +18,16 @@
 // measurement and makes no point, but its group still takes part in finding
 // the end of a revolution. 188-byte replies and commands: WrenProtocol.h.
 
-#include "WrenSession.h"
+#include "ModelDescriptor.h"
 #include "OfflineParser.h"
+#include "WrenSession.h"
 
 class Wren_Plus : public lidar::wren::WrenSession<Wren_Plus> {
     Q_OBJECT
 public:
     Q_INVOKABLE explicit Wren_Plus(QObject* parent = nullptr);
+
+    static const lidar::ModelDescriptor& Descriptor();
 
     // Every element is taken as a data packet; no header, type or checksum test.
     static QVector<lidar::LidarDataPoint_V4> ParseRecordedPackets(const QVector<QByteArray>& packets)
@@ -48,6 +51,9 @@ public:
     static void DecodePacket(lidar::decode::Bytes packet, lidar::decode::DecodedPacket& out);
 
     static constexpr int kPacketSize = 108;
+    static constexpr int kStartAngleAt = 5;
+    static constexpr int kGroupsAt = 7;
+    static constexpr int kEndAngleAt = 105;
     static constexpr uint8_t kPacketType = 0x6C;
 
     // Live state shared by every Wren_Plus session.

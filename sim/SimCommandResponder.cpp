@@ -1,5 +1,7 @@
 #include "SimCommandResponder.h"
 
+#include "ModelDescriptor.h"
+
 #include <cmath>
 
 namespace sim {
@@ -21,20 +23,21 @@ void put8(QByteArray& p, int offset, int value)
     p[offset] = static_cast<char>(value & 0xFF);
 }
 
-bool hasDeviceParam(Model model)
+lidar::DeviceParam deviceParamOf(Model model)
 {
-    return model == Model::Tern_Plus || familyOf(model) == Family::Wren;
+    return describe(model).commands.deviceParam;
 }
 
 // The command class byte each model puts in front of each command code; 0
 // when the model has no such command.
 uint8_t expectedClass(Model model, uint8_t code)
 {
+    const lidar::CommandSet& commands = describe(model).commands;
     switch (code) {
-    case kReadParameters: return model == Model::Tern ? 0x01 : 0x55;
+    case kReadParameters: return commands.readParamClass;
     case kSetFrequency: return 0x55;
-    case kSetFilter: return model == Model::Tern ? 0x55 : 0x01;
-    case kSetDeviceParam: return hasDeviceParam(model) ? 0x55 : 0;
+    case kSetFilter: return commands.setFilterClass;
+    case kSetDeviceParam: return commands.deviceParam != lidar::DeviceParam::None ? 0x55 : 0;
     default: return 0;
     }
 }
@@ -71,7 +74,7 @@ QString filterName(FilterMode mode)
 // echoed, for Wren) but does not change the rotation.
 bool applyDeviceParam(Model model, const QByteArray& command, DeviceState& state, QString* what)
 {
-    if (model == Model::Tern_Plus) {
+    if (deviceParamOf(model) == lidar::DeviceParam::MotorRpm) {
         const int rpm = (at(command, 141) << 8) | at(command, 142);
         *what = QStringLiteral("device parameter %1 rpm").arg(rpm);
         if (rpm < kMinRpm || rpm > kMaxRpm)
@@ -113,25 +116,28 @@ bool isCommandPacket(const QByteArray& b)
 
 QByteArray parametersReply(Model model, const DeviceState& state, const FirmwareInfo& firmware)
 {
-    const int length = model == Model::Tern ? 186 : 188;
+    const lidar::ModelDescriptor& described = describe(model);
+    const int length = described.packets.replySize;
     QByteArray p(length, '\0');
     put8(p, 0, 0xA5);
     put8(p, 1, 0x5A);
-    put8(p, 2, model == Model::Tern ? 0x01 : 0x55);
-    // Tern and Tern_GPS carry date and version at 175-180, the others at 173-178.
-    const int versionAt = (model == Model::Tern || model == Model::Tern_GPS) ? 175 : 173;
+    put8(p, 2, described.commands.readParamClass);
+    const int versionAt = described.packets.replyVersionAt;
     const int fields[6] = {firmware.date.year() - 2000, firmware.date.month(), firmware.date.day(),
                            firmware.major, firmware.minor, firmware.patch};
     for (int i = 0; i < 6; ++i)
         put8(p, versionAt + i, fields[i]);
     put8(p, 181, filterByte(model, state.filter));
-    if (model == Model::Tern_Plus) {
+    switch (described.commands.deviceParam) {
+    case lidar::DeviceParam::MotorRpm: {
         const int rpm = int(std::lround(state.rpm));
         put8(p, 141, rpm >> 8);
         put8(p, 142, rpm);
+        break;
     }
-    if (familyOf(model) == Family::Wren)
-        put8(p, 172, state.deviceParam);
+    case lidar::DeviceParam::ValueAt172: put8(p, 172, state.deviceParam); break;
+    case lidar::DeviceParam::None: break;
+    }
     if (length == 188)
         put8(p, 184, kReadParameters);
     put8(p, length - 2, 0xFA);

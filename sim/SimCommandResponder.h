@@ -32,11 +32,13 @@ bool isCommandPacket(const QByteArray& bytes);
 // the parameters, setting the filter and setting the device parameter are
 // answered with the parameters reply; setting the frequency is not (the
 // host repeats it after every reply). A class byte that does not belong to
-// the command code for this model makes the command unknown.
+// the command code for this model (its descriptor's command set) makes the
+// command unknown.
 CommandResult handleCommand(Model model, const QByteArray& command, DeviceState& state,
                             const FirmwareInfo& firmware);
 
-// The model's parameters reply: 186 bytes for Tern, 188 for the others.
+// The model's parameters reply, of the size and with the version bytes
+// where the model's descriptor has them.
 QByteArray parametersReply(Model model, const DeviceState& state, const FirmwareInfo& firmware);
 
 // Cuts whole command packets out of a byte stream (a serial line), dropping

@@ -1,5 +1,13 @@
 #include "SimModel.h"
 
+#include "ModelDescriptor.h"
+#include "Tern.h"
+#include "Tern_GPS.h"
+#include "Tern_P.h"
+#include "Tern_Plus.h"
+#include "Wren_Kite.h"
+#include "Wren_Plus.h"
+
 #include <cmath>
 
 namespace sim {
@@ -7,26 +15,32 @@ namespace sim {
 namespace {
 struct ModelEntry {
     Model model;
-    const char* name;
+    const lidar::ModelDescriptor& (*describe)();
 };
 const ModelEntry kModels[] = {
-    {Model::Tern, "Tern"},           {Model::Tern_P, "Tern_P"},       {Model::Tern_GPS, "Tern_GPS"},
-    {Model::Tern_Plus, "Tern_Plus"}, {Model::Wren_Plus, "Wren_Plus"}, {Model::Wren_Kite, "Wren_Kite"},
+    {Model::Tern, &Tern::Descriptor},           {Model::Tern_P, &Tern_P::Descriptor},
+    {Model::Tern_GPS, &Tern_GPS::Descriptor},   {Model::Tern_Plus, &Tern_Plus::Descriptor},
+    {Model::Wren_Plus, &Wren_Plus::Descriptor}, {Model::Wren_Kite, &Wren_Kite::Descriptor},
 };
 }  // namespace
 
-QString modelName(Model model)
+const lidar::ModelDescriptor& describe(Model model)
 {
     for (const ModelEntry& e : kModels)
         if (e.model == model)
-            return QString::fromLatin1(e.name);
-    return QString();
+            return e.describe();
+    return kModels[0].describe();
+}
+
+QString modelName(Model model)
+{
+    return describe(model).name();
 }
 
 bool modelFromName(const QString& name, Model* model)
 {
     for (const ModelEntry& e : kModels) {
-        if (name == QLatin1String(e.name)) {
+        if (e.describe().name() == name) {
             *model = e.model;
             return true;
         }
@@ -38,32 +52,31 @@ QStringList allModelNames()
 {
     QStringList names;
     for (const ModelEntry& e : kModels)
-        names << QString::fromLatin1(e.name);
+        names << e.describe().name();
     return names;
 }
 
 Family familyOf(Model model)
 {
-    return (model == Model::Wren_Plus || model == Model::Wren_Kite) ? Family::Wren : Family::Tern;
+    return describe(model).family == lidar::ModelFamily::Wren ? Family::Wren : Family::Tern;
 }
 
 bool carriesCalendar(Model model)
 {
-    return model == Model::Tern_P || model == Model::Tern_GPS || model == Model::Tern_Plus;
+    return describe(model).gps.stamped;
 }
 
+// The angles are the simulator's own, written from the packet layouts
+// like its encoders, so that tests can hold them against the descriptors.
 PacketLayout layoutOf(Model model)
 {
-    switch (model) {
-    case Model::Wren_Plus:
-        // 16 samples half a degree apart, two channels; 45 packets of 8 degrees.
-        return PacketLayout{45, 16, 2, 8.0, 0.5};
-    case Model::Wren_Kite:
-        return PacketLayout{45, 16, 1, 8.0, 0.5};
-    default:
-        // The Tern family: 42 distance words over 15 degrees, 24 packets a turn.
-        return PacketLayout{24, 42, 1, 15.0, 15.0 / 42.0};
+    const lidar::ModelDescriptor& described = describe(model);
+    if (described.family == lidar::ModelFamily::Wren) {
+        // 16 samples half a degree apart; 45 packets of 8 degrees.
+        return PacketLayout{45, 16, described.geometry.channels, 8.0, 0.5};
     }
+    // The Tern family: 42 distance words over 15 degrees, 24 packets a turn.
+    return PacketLayout{24, 42, 1, 15.0, 15.0 / 42.0};
 }
 
 uint16_t periodWord(double rpm)

@@ -1,23 +1,32 @@
 #pragma once
 // The six lidar models the simulator imitates and how each cuts a revolution
-// into data packets.
+// into data packets. What a model is (its family, its GPS time, its
+// commands, its recordings) the simulator takes from the model's
+// descriptor; the bytes of its packets it writes on its own
+// (SimPacketEncoders.h).
 
 #include <QString>
 #include <QStringList>
 #include <cstdint>
+
+namespace lidar {
+struct ModelDescriptor;
+}
 
 namespace sim {
 
 enum class Model { Tern, Tern_P, Tern_GPS, Tern_Plus, Wren_Plus, Wren_Kite };
 enum class Family { Tern, Wren };
 
+// The model's descriptor, as the viewer's registry has it.
+const lidar::ModelDescriptor& describe(Model model);
 // The model's class name, the key the viewer and recordings use.
 QString modelName(Model model);
 // Exact, case-sensitive class name; false for anything else.
 bool modelFromName(const QString& name, Model* model);
 QStringList allModelNames();
 Family familyOf(Model model);
-// Tern_P, Tern_GPS and Tern_Plus stamp their packets with a GPS calendar time.
+// Whether the model stamps its packets with a GPS calendar time.
 bool carriesCalendar(Model model);
 
 // The angular layout of a model's data packets.

@@ -1,5 +1,6 @@
 #include "SimRecording.h"
 
+#include "RecordFile.h"
 #include "SimScanGenerator.h"
 
 #include <QDataStream>
@@ -16,9 +17,9 @@ qint64 recordingElements(const SimOptions& options, int revolutions,
         element(bytes);
         ++count;
     };
-    add(modelName(options.model).toLatin1());
-    if (options.model == Model::Tern_P)
-        add(QByteArray::number(options.firmware.versionNumber(), 10));
+    for (const QByteArray& header : lidar::recordHeaderElements(modelName(options.model),
+                                                                 uint32_t(options.firmware.versionNumber())))
+        add(header);
 
     const qint64 startMs = options.gpsStartMs >= 0 ? options.gpsStartMs : QDateTime::currentMSecsSinceEpoch();
     ScanGenerator generator(options.model, options.seed, startMs * 1000, options.firmware.versionNumber());

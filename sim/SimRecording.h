@@ -11,10 +11,10 @@
 namespace sim {
 
 // The file's elements in order, handed to `element` one at a time: the
-// model's class name, for Tern_P the firmware version number as decimal
-// text, then the packets of `revolutions` whole revolutions and the first
-// packet of the next, which is what tells a decoder that the last
-// revolution is complete. Faults are not applied: a recording holds the
+// header elements the model's descriptor asks for (its class name, and the
+// firmware version number where its recordings carry one), then the
+// packets of `revolutions` whole revolutions and the first packet of the
+// next, which is what tells a decoder that the last revolution is complete. Faults are not applied: a recording holds the
 // packets a decoder accepted. Returns the number of elements.
 qint64 recordingElements(const SimOptions& options, int revolutions,
                          const std::function<void(const QByteArray& element)>& element);

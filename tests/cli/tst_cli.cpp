@@ -5,6 +5,7 @@
 #include "CaptureBuilders.h"
 #include "CloudPoint.h"
 #include "CsvWriter.h"
+#include "LIdarFactory.h"
 #include "LoopbackLidar.h"
 #include "NumberText.h"
 #include "PacketBuilders.h"
@@ -556,12 +557,14 @@ void CliTest::listenBaudRate_data()
     QTest::addColumn<QString>("settings");  // the working directory's ini/connect_type.ini
     QTest::addColumn<QStringList>("baud");
     QTest::addColumn<QByteArray>("used");
-    const QString tern = "[connect_type]\nmodel1=Tern\n[Tern]\ndefault baud rate=230400\n";
-    QTest::newRow("the model's default") << tern << QStringList{} << QByteArray("230400");
+    const QString tern = "[connect_type]\nmodel1=Tern\n[Tern]\ndefault baud rate=115200\n";
+    QTest::newRow("the settings file's") << tern << QStringList{} << QByteArray("115200");
     QTest::newRow("given on the command line") << tern << QStringList{"--baud", "9600"} << QByteArray("9600");
+    // Without a rate in the settings file, the model's own.
+    const QByteArray ternRate = QByteArray::number(LIdarFactory::GetInstance()->FindModel("Tern")->baudRate);
     QTest::newRow("another model's section only")
-        << "[Wren_Kite]\nDefault Baud Rate=921600\n" << QStringList{} << QByteArray("460800");
-    QTest::newRow("no settings file") << QString() << QStringList{} << QByteArray("460800");
+        << "[Wren_Kite]\nDefault Baud Rate=921600\n" << QStringList{} << ternRate;
+    QTest::newRow("no settings file") << QString() << QStringList{} << ternRate;
 }
 
 void CliTest::listenBaudRate()

@@ -39,8 +39,8 @@ QByteArray wrenPacket(const QString& model, uint16_t start, uint16_t end)
     return wrenKitePacket(4167, start, end, QVector<WrenKiteGroup>(16, {1000, 10}));
 }
 
-// The packets a session's recording holds (after its model name and, for
-// Tern_P, version), recording to a file in `dir` while `feedAll` runs.
+// The packets a session's recording holds (after its header elements),
+// recording to a file in `dir` while `feedAll` runs.
 template <typename Feed>
 QVector<QByteArray> recordedWhile(LidarAnalysis& session, const QTemporaryDir& dir, Feed&& feedAll)
 {
@@ -50,10 +50,13 @@ QVector<QByteArray> recordedWhile(LidarAnalysis& session, const QTemporaryDir& d
     feedAll();
     session.EndSaveData();
     const QVector<QByteArray> elements = lidar::readRecordFile(file);
-    return elements.mid(QLatin1String(session.metaObject()->className()) == QLatin1String("Tern_P") ? 2 : 1);
+    return elements.mid(1 + lidar::recordPrefixElements(QString::fromLatin1(session.metaObject()->className())));
 }
 
-const QStringList kModels{"Tern", "Tern_GPS", "Tern_P", "Tern_Plus", "Wren_Plus", "Wren_Kite"};
+const lidar::ModelDescriptor& described(const QString& model)
+{
+    return *LIdarFactory::GetInstance()->FindModel(model);
+}
 
 }  // namespace
 
@@ -181,14 +184,14 @@ void ModelDecodersTest::hostileStreamsStayBounded_data()
     QTest::addColumn<int>("repeats");  // 0: the junk goes before every packet instead
     const QByteArray fakeReply = QByteArray("\xA5\x5A", 2) + QByteArray(90, '\0');
     const QByteArray noTrailer = QByteArray("\xA5\x5A", 2) + QByteArray(1022, '\x01');
-    for (const QString& model : kModels) {
+    for (const QString& model : LIdarFactory::GetInstance()->ModelNames()) {
         const auto row = [&](const char* what) -> QTestData& {
             return QTest::newRow(qPrintable(model + ' ' + what)) << model;
         };
         row("no header") << QByteArray(1024, '\x11') << 200;
         row("header and 90 zero bytes") << fakeReply << 2000;
         row("header without trailer") << noTrailer << 200;
-        if (model.startsWith("Tern"))
+        if (described(model).family == lidar::ModelFamily::Tern)
             row("short pieces before every packet") << QByteArray("\xA5\x5A\x00\xFA\xFB\xA5\x5A\x00\xFA\xFB", 10) << 0;
     }
 }

@@ -3,6 +3,7 @@
 // directory like the programs, the icons, style sheet and translation.
 
 #include "IniSettings.h"
+#include "LIdarFactory.h"
 
 #include <QApplication>
 #include <QComboBox>
@@ -90,23 +91,22 @@ void SettingsFileTest::writesInPlaceAndFileOrder()
 }
 
 // The file we ship: every model in the registry's order, each with a section
-// consistent with what its decoder implements, loopback addresses.
+// that agrees with the model's descriptor, loopback addresses.
 void SettingsFileTest::shippedFile()
 {
     const IniSettings settings(SCANDECK_SHIPPED_INI);
-    const QStringList models{"Wren_Kite", "Wren_Plus", "Tern", "Tern_GPS", "Tern_P", "Tern_Plus"};
-    QCOMPARE(settings.childValues("connect_type"), models);
+    const LIdarFactory* registry = LIdarFactory::GetInstance();
+    QCOMPARE(settings.childValues("connect_type"), registry->ModelNames());
     QCOMPARE(settings.value("", "lidar ip") + " " + settings.value("", "data ip"), QString("127.0.0.1 127.0.0.1"));
 
-    const QStringList bauds{"115200", "230400", "460800", "512000", "921600"};
-    for (const QString& model : models) {
-        QVERIFY2(bauds.contains(settings.value(model, "default baud rate")), qPrintable(model));
-        const bool gps = model == "Tern_GPS" || model == "Tern_P" || model == "Tern_Plus";
-        QCOMPARE(settings.value(model, "GPS test function"), QString(gps ? "true" : "false"));
-        QCOMPARE(settings.value(model, "lidar filter function").split('/').size(), model.startsWith("Wren") ? 2 : 3);
+    for (const lidar::ModelDescriptor* described : registry->Models()) {
+        const QString model = described->name();
+        QCOMPARE(settings.value(model, "default baud rate"), QString::number(described->baudRate));
+        QCOMPARE(settings.value(model, "GPS test function"), QString(described->gps.stamped ? "true" : "false"));
+        QCOMPARE(settings.value(model, "lidar filter function").split('/').size(), described->commands.filterModes);
         // Only the models that take SetDeviceParam can change speed (1..255 Hz).
         const QString speeds = settings.value(model, "motor frequenc function");
-        if (model.startsWith("Wren") || model == "Tern_Plus") {
+        if (described->commands.deviceParam != lidar::DeviceParam::None) {
             for (const QString& item : speeds.split('_'))
                 QVERIFY2(item.toInt() > 0 && item.toInt() < 256, qPrintable(model + ": " + item));
         } else {

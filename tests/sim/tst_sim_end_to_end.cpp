@@ -26,8 +26,17 @@ Q_DECLARE_METATYPE(sim::Model)
 namespace {
 
 const QString kProgram = QStringLiteral(SCANDECK_SIM_PATH);
-const Model kModels[] = {Model::Tern,      Model::Tern_P,    Model::Tern_GPS,
-                         Model::Tern_Plus, Model::Wren_Plus, Model::Wren_Kite};
+// The registered models the simulator imitates, in the registry's order.
+QVector<Model> simulatedModels()
+{
+    QVector<Model> models;
+    for (const QString& name : LIdarFactory::GetInstance()->ModelNames()) {
+        Model model;
+        if (modelFromName(name, &model))
+            models << model;
+    }
+    return models;
+}
 // 25 revolutions a second: a whole period in the speed word, and quick tests.
 constexpr int kRpm = 1500;
 
@@ -144,7 +153,7 @@ void SimEndToEndTest::sessionFollowsTheSimulator_data()
 {
     QTest::addColumn<Model>("model");
     QTest::addColumn<QString>("link");
-    for (Model m : kModels)
+    for (Model m : simulatedModels())
         for (const char* link : {"udp", "lossy", "corrupt"})
             QTest::addRow("%s %s", qPrintable(modelName(m)), link) << m << QString(link);
     QTest::newRow("Tern pty") << Model::Tern << "pty";
@@ -232,7 +241,7 @@ void SimEndToEndTest::sessionFollowsTheSimulator()
 void SimEndToEndTest::recordingParsesLikeLiveDecoding_data()
 {
     QTest::addColumn<Model>("model");
-    for (Model m : kModels)
+    for (Model m : simulatedModels())
         QTest::newRow(qPrintable(modelName(m))) << m;
 }
 
@@ -251,7 +260,7 @@ void SimEndToEndTest::recordingParsesLikeLiveDecoding()
 
     // The same packets, live, through a session of the model.
     QVector<QByteArray> packets = lidar::readRecordFile(file);
-    packets.remove(0, model == Model::Tern_P ? 2 : 1);  // the model name and Tern_P's version
+    packets.remove(0, 1 + lidar::recordPrefixElements(modelName(model)));  // the header elements
     LoopbackLidar sender;
     Rig rig;
     QVERIFY(rig.connect(model, Transport::Udp, freeUdpPort(), sender.commandPort()));
