@@ -12,7 +12,11 @@ namespace messagebox {
 namespace {
 
 // Room the box needs beside its label: the icon, the margins.
-constexpr int kBesideLabel = 120;
+constexpr int kBesideLabel = 100;
+// Around a run in the label: the text layout's own margins.
+constexpr int kRunMargin = 24;
+// Runs up to this wide fit the width the box gives its label anyway.
+constexpr int kWrapsWell = 400;
 
 class Fitter : public QObject {
 public:
@@ -42,11 +46,14 @@ private:
                           || (box->textFormat() == Qt::AutoText && Qt::mightBeRichText(text));
         if (rich)
             return;
+        // The box sizes text that wraps at its spaces well by itself.
+        label->ensurePolished();
+        const int needed = longestRunWidth(text, label->font()) + kRunMargin;
+        if (needed <= kWrapsWell)
+            return;
         const QScreen* screen = box->screen() ? box->screen() : QGuiApplication::primaryScreen();
-        const int available = screen ? screen->availableGeometry().width() * 9 / 10 - kBesideLabel : 1000;
-        const int needed = longestRunWidth(text, label->font()) + 8;
-        if (needed > label->minimumWidth())
-            label->setMinimumWidth(std::min(needed, available));
+        const int available = screen ? screen->availableGeometry().width() - kBesideLabel : 1000;
+        label->setMinimumWidth(std::min(needed, available));
     }
 };
 

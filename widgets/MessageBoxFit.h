@@ -3,7 +3,7 @@
 // wraps long text only at spaces, so a long path or any other long run
 // without a space runs off the edge of the box. Every message box of the
 // program, Qt's own included (the file dialog's "File not found"), is made
-// wide enough for its longest run before it is shown (up to most of the
+// wide enough for its longest run before it is shown (up to the width of the
 // screen), and its text can be selected and copied as it is.
 
 #include <QString>
