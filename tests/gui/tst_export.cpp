@@ -1,14 +1,18 @@
-// The window's exports: CSV of the next frames shown (from showFrame and
-// from the player), its end, cancel and failures, the same bytes as
-// scandeck-cli; the current frame as PCD and PLY read back by PCL; the view
-// as a PNG; and captures opened in the player or dropped on the view.
+// The CSV format (number texts, rounding, line layout), then the window's
+// exports: CSV of the next frames shown (from showFrame and from the
+// player), its end, cancel and failures, the same bytes as scandeck-cli;
+// the current frame as PCD and PLY read back by PCL; the view as a PNG;
+// and captures opened in the player or dropped on the view.
 
 #include "CaptureBuilders.h"
 #include "CloudPoint.h"
+#include "CsvWriter.h"
 #include "ExportDataDialog.h"
 #include "IniSettings.h"
+#include "NumberText.h"
 #include "OffinePlayWidget.h"
 #include "PacketBuilders.h"
+#include "PointRounding.h"
 #include "RecordFile.h"
 #include "tst_scandeck_support.h"
 
@@ -24,6 +28,10 @@
 #include <QPushButton>
 #include <QSpinBox>
 #include <QTabWidget>
+
+#include <cmath>
+#include <cstring>
+#include <random>
 
 #include <pcl/io/pcd_io.h>
 #include <pcl/io/ply_io.h>
@@ -79,6 +87,14 @@ QString cliPath()
 class ExportTest : public QObject {
     Q_OBJECT
 private slots:
+    void numberText_data();
+    void numberText();
+    void shortestTextReadsBackExactly();
+    void gridShortcutMatchesDigitsAndQt_data();
+    void gridShortcutMatchesDigitsAndQt();
+    void everyFloatOfABinadeMatchesDigits_data();
+    void everyFloatOfABinadeMatchesDigits();
+    void csvLines();
     void initTestCase() { m_dir = std::make_unique<ScratchWorkingDir>(QStringLiteral("English")); }
     void cleanupTestCase() { m_dir.reset(); }
 
@@ -384,6 +400,158 @@ void ExportTest::capturesInThePlayer()
     // The choice is kept for next time.
     QVERIFY(m_dir->settingsText().contains("capture model=Wren_Plus\ncapture data port=2368\n"));
     player->stop();
+}
+
+void ExportTest::numberText_data()
+{
+    QTest::addColumn<float>("value");
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<QByteArray>("rounded");  // to the centimetre, halves up
+    QTest::newRow("float digits, not double ones") << 0.1f << QByteArray("0.1") << QByteArray("0.1");
+    QTest::newRow("half") << 0.125f << QByteArray("0.125") << QByteArray("0.13");
+    QTest::newRow("negative half goes up too") << -0.125f << QByteArray("-0.125") << QByteArray("-0.12");
+    QTest::newRow("negative above half") << -1.236f << QByteArray("-1.236") << QByteArray("-1.24");
+    QTest::newRow("small negative to zero") << -0.004f << QByteArray("-0.004") << QByteArray("0");
+    QTest::newRow("azimuth step") << 15.0f / 41.0f << QByteArray("0.36585367") << QByteArray("0.37");
+    QTest::newRow("whole number stays plain") << 300.0f << QByteArray("300") << QByteArray("300");
+    QTest::newRow("million takes the exponent") << 1e6f << QByteArray("1e+06") << QByteArray("1e+06");
+    QTest::newRow("small takes the exponent") << 1.5e-5f << QByteArray("1.5e-05") << QByteArray("0");
+}
+
+void ExportTest::numberText()
+{
+    QFETCH(float, value);
+    QFETCH(QByteArray, text);
+    QFETCH(QByteArray, rounded);
+    QCOMPARE(numbertext::shortest(value), text);
+    QCOMPARE(numbertext::shortest(display::roundCoordinate(value)), rounded);
+}
+
+void ExportTest::shortestTextReadsBackExactly()
+{
+    std::mt19937 random(7);
+    for (int i = 0; i < 200000; ++i) {
+        const uint32_t bits = random();
+        float value = std::uniform_real_distribution<float>(-70.0f, 400.0f)(random);
+        if (i % 2)
+            std::memcpy(&value, &bits, sizeof value);  // any finite float
+        if (!std::isfinite(value))
+            continue;
+        const QByteArray text = numbertext::shortest(value);
+        QCOMPARE(std::strtof(text.constData(), nullptr), value);
+        // One significant digit fewer never reads back as the same float.
+        QByteArray digits = QByteArray::number(text.split('e').first().replace("-", "").replace(".", "").toULongLong());
+        while (digits.endsWith('0'))  // no leading nor trailing zeros
+            digits.chop(1);
+        char shorter[64];
+        std::snprintf(shorter, sizeof shorter, "%.*g", int(digits.size()) - 1, double(value));
+        QVERIFY2(digits.size() <= 1 || std::strtof(shorter, nullptr) != value, text.constData());
+    }
+}
+
+void ExportTest::gridShortcutMatchesDigitsAndQt_data()
+{
+    // Runs of values n * step from `first`: every one compared with the text
+    // found from the shortest digits, every 97th also with Qt's own text.
+    QTest::addColumn<bool>("isFloat");
+    QTest::addColumn<double>("first");
+    QTest::addColumn<double>("step");
+    QTest::addColumn<int>("count");
+    QTest::newRow("centimetres around zero") << true << -800.0 << 0.01 << 160001;
+    QTest::newRow("centimetres where the plain layout ends") << true << 99900.0 << 0.01 << 20001;
+    QTest::newRow("millimetres") << true << 8150.0 << 0.001 << 84001;
+    QTest::newRow("thousandths of a degree") << true << 0.0 << 0.001 << 360001;
+    QTest::newRow("azimuths of 42 words over 15 degrees") << true << 0.0 << 15.0 / 41 << 985;
+    QTest::newRow("where the plain layout starts") << true << 0.0 << 1e-6 << 300001;
+    QTest::newRow("distances in metres") << false << -10.0 << 0.001 << 200001;
+    QTest::newRow("distances at the shortcut's limit") << false << 2147483000.0 << 0.001 << 2000;
+    QTest::newRow("sevenths, never on the grid") << true << -50.0 << 1.0 / 7 << 700;
+}
+
+void ExportTest::gridShortcutMatchesDigitsAndQt()
+{
+    QFETCH(bool, isFloat);
+    QFETCH(double, first);
+    QFETCH(double, step);
+    QFETCH(int, count);
+    for (int i = 0; i < count; ++i) {
+        // The grid value as the writers meet it: the nearest float or double,
+        // and its neighbours, which are on no grid.
+        const double exact = first + i * step;
+        for (int neighbour = -1; neighbour <= 1; ++neighbour) {
+            QByteArray text, digits;
+            double value = 0;
+            if (isFloat) {
+                const float f = std::nextafter(float(exact), neighbour < 0 ? -INFINITY : INFINITY);
+                value = neighbour == 0 ? float(exact) : f;
+                text = numbertext::shortest(float(value));
+                digits = numbertext::shortestByDigits(float(value));
+            } else {
+                value = neighbour == 0 ? exact : std::nextafter(exact, neighbour < 0 ? -INFINITY : INFINITY);
+                text = numbertext::shortest(value);
+                digits = numbertext::shortestByDigits(value);
+                if (neighbour == 0 && std::abs(step - 0.001) < 1e-12) {  // millimetres, written without dividing
+                    char decimal[numbertext::kMaxLength];
+                    const int64_t millimetres = std::llround(exact * 1000);
+                    QCOMPARE(QByteArray(decimal, int(numbertext::writeDecimal(decimal, millimetres, 3) - decimal)),
+                             numbertext::shortestByDigits(millimetres / 1000.0));
+                }
+            }
+            if (text != digits)
+                QFAIL(qPrintable(QString("%1: %2, not %3").arg(value, 0, 'g', 17).arg(text, digits)));
+            // Qt's shortest text of the number the digits stand for is the same text.
+            if (i % 97 == 0 && QString::number(std::strtod(text.constData(), nullptr), 'g',
+                                               QLocale::FloatingPointShortest).toLatin1() != text)
+                QFAIL(qPrintable(QString("%1: Qt differs").arg(QString(text))));
+        }
+    }
+}
+
+void ExportTest::everyFloatOfABinadeMatchesDigits_data()
+{
+    // Every third float from 2^exponent up to the next power of two.
+    QTest::addColumn<int>("exponent");
+    QTest::newRow("where the plain layout starts") << -14;
+    QTest::newRow("azimuths beyond 8 degrees") << 3;
+    QTest::newRow("where the plain layout ends") << 16;
+}
+
+void ExportTest::everyFloatOfABinadeMatchesDigits()
+{
+    QFETCH(int, exponent);
+    const float first = std::ldexp(1.0f, exponent);
+    uint32_t bits = 0;
+    std::memcpy(&bits, &first, sizeof bits);
+    for (uint32_t step = 0; step < (1u << 23); step += 3) {
+        const uint32_t sign = step % 2 ? 0x80000000u : 0;
+        const uint32_t valueBits = (bits + step) | sign;
+        float value = 0;
+        std::memcpy(&value, &valueBits, sizeof value);
+        const QByteArray text = numbertext::shortest(value);
+        const QByteArray digits = numbertext::shortestByDigits(value);
+        if (text != digits)
+            QFAIL(qPrintable(QString("%1, not %2").arg(QString(text), QString(digits))));
+    }
+}
+
+void ExportTest::csvLines()
+{
+    lidar::LidarDataPoint_V4 frame;
+    lidar::LidarPoint p{0.13f, -2.5f, 0.0f, 90.0f, 1234, 255, -1};
+    frame.points[1].push_back(p);  // timestamp -1: none
+    p.timestamp = 1716199872345;
+    frame.points[0].push_back(p);
+    QBuffer buffer;
+    buffer.open(QIODevice::WriteOnly);
+    {
+        CsvWriter writer(&buffer);
+        writer.writeHeader();
+        writer.writeFrame(12, frame);
+    }  // the destructor flushes
+    QCOMPARE(buffer.data(),
+             QByteArray("FrameNumbers,ID,Points_X,Points_Y,Points_Z,Azimuth,Distance,Intensity,Timestamp\n"
+                        "12,0,0.13,-2.5,0,90,1.234,255,1716199872345\n"
+                        "12,1,0.13,-2.5,0,90,1.234,255,-1\n"));
 }
 
 SCANDECK_TEST_MAIN(ExportTest)

@@ -183,8 +183,6 @@ private slots:
     void frameReadouts_data();
     void frameReadouts();
     void hoverReadouts();
-    void everyControlHasAnEffect_data();
-    void everyControlHasAnEffect();
 
 private:
     std::unique_ptr<ScratchWorkingDir> m_dir;
@@ -611,66 +609,6 @@ void MeasureTest::hoverReadouts()
     click(w, "btn_point_cloud_select");
     mouse(w, QEvent::MouseMove, drawnAt(w, 1.0, 1.0));
     QCOMPARE(labelText(w, "label_azimuth") + labelText(w, "label_distance"), QStringLiteral("Azimuth:Distance:"));
-}
-
-void MeasureTest::everyControlHasAnEffect_data()
-{
-    QTest::addColumn<QString>("name");
-    for (const char* name : {"btn_grid", "btn_polar", "btn_set_grid_polar", "btn_ranging", "btn_point_cloud_select",
-                             "btn_resize_range", "label_motor_speed", "label_delta_x", "label_delta_y",
-                             "label_delta_distance", "label_azimuth", "label_distance"})
-        QTest::newRow(name) << QString::fromLatin1(name);
-}
-
-// Each measurement control, used as an operator would, changes what the
-// view or the status bar shows.
-void MeasureTest::everyControlHasAnEffect()
-{
-    QFETCH(QString, name);
-    auto window = openWindow();
-    ScanDeck* w = window.get();
-    w->showFrame(crossFrame());
-    auto* renderer = w->renderer();
-    const int propsBefore = renderer->GetViewProps()->GetNumberOfItems();
-    auto* interactor = control<QVTKOpenGLNativeWidget>(w, "openGLWidget")->interactor();
-    const QByteArray control = name.toLatin1();
-    const QString textBefore = name.startsWith("label") ? labelText(w, control) : QString();
-
-    if (name == "btn_grid" || name == "btn_polar") {
-        click(w, control);
-        QVERIFY(renderer->GetViewProps()->GetNumberOfItems() > propsBefore);
-    } else if (name == "btn_set_grid_polar") {
-        click(w, "btn_grid");
-        const QString outer = w->gridLineIds.first();
-        onModal<GridPolarDialog>([&] { click(w, control); },
-                                 [](GridPolarDialog* d) { d->findChild<QSpinBox*>("spinBox_grid_step")->setValue(20); });
-        QVERIFY(w->gridLineIds.first() != outer);
-    } else if (name == "btn_ranging") {
-        click(w, control);
-        clickAt(w, drawnAt(w, 1.0, 0.0));
-        clickAt(w, drawnAt(w, -1.0, 0.0));
-        QVERIFY(shape(w, "m_ranging_line"));
-    } else if (name == "btn_point_cloud_select") {
-        click(w, control);
-        QVERIFY(interactor->GetPicker()->IsA("vtkAreaPicker"));
-    } else if (name == "btn_resize_range") {
-        w->areaPicked({0});
-        auto* dialog = onModal<BoxSelectionDialog>([&] { click(w, control); }, [](BoxSelectionDialog* d) {
-            d->findChild<QDoubleSpinBox*>("spin_max_x")->setValue(5.0);
-            d->findChild<QAbstractButton*>("btn_ok")->click();
-        });
-        QVERIFY(dialog && w->getBoxRange().max.x == 5.0f);
-    } else if (name == "label_azimuth" || name == "label_distance") {
-        mouse(w, QEvent::MouseMove, drawnAt(w, 1.0, 1.0));
-    } else if (name == "label_motor_speed") {
-        QCOMPARE(labelText(w, control), QStringLiteral("motor speed: 10 hz,600 r/s"));
-        return;
-    } else {
-        w->areaPicked({4, 5});
-        w->showFrame(crossFrame());
-    }
-    if (!textBefore.isNull())
-        QVERIFY2(labelText(w, control) != textBefore, qPrintable(textBefore));
 }
 
 SCANDECK_TEST_MAIN(MeasureTest)
