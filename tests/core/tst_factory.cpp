@@ -83,9 +83,12 @@ void FactoryTest::registryListsComeFromTheDescriptors()
         QCOMPARE(factory->FindModel(name), model);
         QVERIFY(!factory->FindModel(name.toLower()));  // names are exact
         QVERIFY(factory->classMap.values().contains(model->metaObject));
-        const auto* parse = factory->parseMap.value(name).target<lidar::ParseRecording>();
+        // The maps hand out copies: keep them alive while their targets are compared.
+        const auto parseFunction = factory->parseMap.value(name);
+        const auto* parse = parseFunction.target<lidar::ParseRecording>();
         QVERIFY(parse && *parse == model->parseRecording);
-        const auto* parseBatch = factory->batchParseMap.value(name).target<lidar::decode::BatchParse>();
+        const auto batchFunction = factory->batchParseMap.value(name);
+        const auto* parseBatch = batchFunction.target<lidar::decode::BatchParse>();
         QVERIFY(parseBatch && *parseBatch == model->parseBatch);
         QCOMPARE(factory->offlineParsers.value(name), &model->offlineParser());
 
