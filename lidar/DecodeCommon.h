@@ -3,7 +3,9 @@
 // points of one packet before they are placed, placing them into the frame
 // being built or the next one at the azimuth wrap, and command packets.
 
+#include "FrameAccounting.h"
 #include "LidarRecords.h"
+#include "ModelGeometry.h"
 
 #include <QByteArray>
 #include <QVector>
@@ -77,8 +79,9 @@ extern const QByteArray kTrailer;  // FA FB
 // longer become part of a packet, so that junk cannot pile up. A buffer
 // without a header keeps at most a last A5 (a header's first half). A piece
 // still waiting for its end may hold `maxPending` bytes from its header; one
-// that grows past that is given up for the next header that fits.
-void keepUnconsumed(QByteArray& buffer, int used, int maxPending);
+// that grows past that is given up for the next header that fits. Returns
+// the bytes dropped, `used` or more.
+int keepUnconsumed(QByteArray& buffer, int used, int maxPending);
 
 // What one data packet contributes: frame-level values and its points in
 // packet order, each with its azimuth before the 360-degree correction (in
@@ -100,12 +103,21 @@ struct DecodedPacket {
     std::vector<double> azimuths;
     std::vector<int32_t> ids;
     std::vector<uint8_t> kept;
+    // For the stream-health accounting: the degrees the packet covers, its
+    // points with a distance above 0 (setPoint counts them) and its GPS
+    // time in ns (0: none).
+    PacketCover cover;
+    int32_t returns = 0;
+    uint64_t timeNs = 0;
 
     void reset()
     {
         motorSpeed = -1;
         hasAmbient = false;
         hasDateTime = false;
+        cover = PacketCover();
+        returns = 0;
+        timeNs = 0;
     }
     size_t size() const { return points.size(); }
     void resize(size_t n, bool everyPointOnChannel0)
@@ -198,6 +210,7 @@ inline void setPoint(DecodedPacket& packet, size_t i, int32_t id, double azimuth
     p.distance = distance;
     p.intensity = intensity;
     p.timestamp = -1;
+    packet.returns += distance > 0 ? 1 : 0;
     packet.azimuths[i] = azimuth;
     if (!packet.channel0Only) {
         packet.ids[i] = id;
@@ -247,10 +260,14 @@ void assignLatin1(QString& target, const char* text, int length);
 // ends when an azimuth falls more than 15 degrees below its predecessor;
 // `endRevolution` then hands the finished frame on and shifts the frames.
 // Azimuths above 360 belong to the next revolution and go to `next`.
+// `accounting` follows along: it closes the revolution's health just before
+// `endRevolution` runs (lastHealth()), and counts what the packet covered.
 template <typename Azimuth, typename Previous, typename EndRevolution>
 void placePoints(const DecodedPacket& packet, LidarDataPoint_V4& current, LidarDataPoint_V4& next,
-                 Previous& previous, EndRevolution&& endRevolution)
+                 Previous& previous, FrameAccounting& accounting, EndRevolution&& endRevolution)
 {
+    accounting.packetArrives(packet.cover, packet.returns, packet.timeNs);
+    int32_t returnsToNext = 0;
     if (packet.hasAmbient)
         current.ambient = packet.ambient;
     current.motorSpeed = packet.motorSpeed;
@@ -270,6 +287,7 @@ void placePoints(const DecodedPacket& packet, LidarDataPoint_V4& current, LidarD
         if (Q_UNLIKELY(endsRevolution(static_cast<Azimuth>(last), azimuth))) {
             const LidarDataPoint_V4 ended = current;  // shares the points
             previous = last;
+            accounting.closeFrame(current);
             endRevolution();
             currentLines.newRevolution(ended);
             nextLines.forget();
@@ -299,6 +317,7 @@ void placePoints(const DecodedPacket& packet, LidarDataPoint_V4& current, LidarD
                 std::vector<LidarPoint>& line = nextLines[id];
                 line.push_back(packet.points[i]);
                 line.back().azimuth = static_cast<float>(azimuth - Azimuth(360));
+                returnsToNext += packet.points[i].distance > 0 ? 1 : 0;
             } else {
                 std::vector<LidarPoint>& line = currentLines[id];
                 line.push_back(packet.points[i]);
@@ -308,6 +327,7 @@ void placePoints(const DecodedPacket& packet, LidarDataPoint_V4& current, LidarD
         ++i;
     }
     previous = last;
+    accounting.packetPlaced(returnsToNext, n > 0, double(last));
 }
 
 // State an offline parse function keeps from one call to the next.
@@ -316,6 +336,11 @@ struct OfflineFrames {
     LidarDataPoint_V4 current;
     LidarDataPoint_V4 next;
     Previous previous = Previous(-1);
+    // The recording's health: its frames' records, those the last call
+    // completed in `completed` (the caller empties it), and its totals.
+    FrameAccounting accounting;
+    std::vector<FrameHealth> completed;
+    StreamTotals totals;
 
     // Makes the unfinished turns hold copies of their points of exactly
     // their size: a copy of the state shares its point lists with the
@@ -334,8 +359,11 @@ struct OfflineFrames {
     template <typename Azimuth>
     void place(const DecodedPacket& packet, QVector<LidarDataPoint_V4>& out)
     {
-        placePoints<Azimuth>(packet, current, next, previous, [&] {
+        ++totals.packets;
+        placePoints<Azimuth>(packet, current, next, previous, accounting, [&] {
             out.append(current);
+            completed.push_back(accounting.lastHealth());
+            totals.addFrame(accounting.lastHealth());
             current = next;
             next.clear();
         });

@@ -15,6 +15,7 @@
 
 #include <QByteArray>
 #include <QString>
+#include <cstdint>
 
 namespace lidar {
 
@@ -30,5 +31,37 @@ struct ScanGeometry {
 // packet of that model (anything may follow it). Invalid for an unknown
 // model or bytes that do not begin with such a packet.
 ScanGeometry scanGeometry(const QString& model, const QByteArray& bytes);
+
+// The degrees one data packet covers, which the stream-health accounting
+// adds up: in the decoder's azimuths before the 360-degree correction, so
+// `end` may pass 360 (those degrees belong to the next revolution).
+struct PacketCover {
+    float start = 0.0f;
+    float end = 0.0f;
+
+    bool known() const { return end > start; }
+    float width() const { return end - start; }
+};
+
+namespace packetcover {
+
+constexpr float kTernPacketDegrees = 15.0f;
+
+// The Tern family: a packet starts at its start angle (1/100 degree, in the
+// single precision the decoders use) and covers 15 degrees, however many
+// points its words make.
+inline PacketCover tern(uint16_t startCode)
+{
+    const float start = static_cast<float>(startCode / 100.0);
+    return {start, start + kTernPacketDegrees};
+}
+
+// The Wren family: a packet carries the azimuths of its first and last
+// group (1/100 degree); sixteen groups lie evenly between them and each
+// stands for the step that follows it, so the packet covers 16/15 of its
+// start-to-end span. A packet whose end lies below its start crosses 0.
+PacketCover wren(uint16_t startCode, uint16_t endCode);
+
+}  // namespace packetcover
 
 }  // namespace lidar

@@ -124,10 +124,11 @@ void decodeBody(decode::Bytes packet, int angleOffset, int wordsOffset, int word
     }
     const auto* words = reinterpret_cast<const uchar*>(packet.data + wordsOffset);
     const int count = readWords(encoding, words, wordCount, dropped, distances.data(), intensities.data());
+    const uint16_t code = be16(packet, angleOffset);
+    out.cover = packetcover::tern(code);
     out.resize(size_t(count), true);
     if (count == 0)
         return;
-    const uint16_t code = be16(packet, angleOffset);
     const decode::PacketAngles<float>& angles =
         decode::PacketAngleTable<float, 0>::forThisThread().lookUp(code, uint32_t(count), [&](std::vector<float>& a) {
             const float start = static_cast<float>(code / 100.0);
@@ -303,6 +304,7 @@ uint64_t applyCalendar(decode::DecodedPacket& packet, const CalendarTime& t, uin
     packet.hasDateTime = true;
     packet.dateTimeLength = formatDateTime(t, packet.dateTime, sizeof packet.dateTime);
     const uint64_t now = packetTimeNs(t);
+    packet.timeNs = now;
     stampPoints(packet, now, previousNs);
     return now;
 }
