@@ -49,7 +49,6 @@ void parseStream(QByteArray& buffer, StreamCounters& counters, int minimumSize, 
         return;
     }
     int used = 0;
-    quint64 skipped = 0, rejected = 0;
     {
         // Held while the pieces are handled, which only read them.
         const QByteArray held = buffer;
@@ -58,16 +57,16 @@ void parseStream(QByteArray& buffer, StreamCounters& counters, int minimumSize, 
             const Cut cut = cutPiece(bytes, used, fallbackLength);
             if (!cut.found())
                 break;
-            skipped += quint64(cut.start - used);
+            // Counted in stream order: a frame's totals hold what came before it.
+            counters.addSkipped(quint64(cut.start - used));
             used = cut.next;
             const quint64 taken = counters.taken();
             handle(decode::Bytes(bytes.data + cut.start, cut.size));
-            rejected += counters.taken() == taken ? 1 : 0;
+            if (counters.taken() == taken)
+                counters.addRejected(1);
         }
     }
-    skipped += quint64(decode::keepUnconsumed(buffer, used, kMaxPending) - used);
-    counters.addSkipped(skipped);
-    counters.addRejected(rejected);
+    counters.addSkipped(quint64(decode::keepUnconsumed(buffer, used, kMaxPending) - used));
 }
 
 // Whether the 16-bit length field at offset 2 equals the piece's length.

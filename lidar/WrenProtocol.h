@@ -64,7 +64,6 @@ void parseStream(QByteArray& buffer, StreamCounters& counters, int packetSize, u
                  OnData&& onData, OnReply&& onReply)
 {
     int used = 0;
-    quint64 skipped = 0, rejected = 0;
     {
         // Held while the pieces are handled, which only read them.
         const QByteArray held = buffer;
@@ -73,8 +72,10 @@ void parseStream(QByteArray& buffer, StreamCounters& counters, int packetSize, u
         for (bool more = true; more;) {
             const int from = used;
             const Piece kind = cutPiece(bytes, used, packetSize, packetType, piece);
-            if (kind != Piece::None)  // consumed: what lies outside the piece was passed over
-                skipped += quint64((used - from) - piece.size);
+            // Consumed: what lies outside the piece was passed over. Counted
+            // in stream order: a frame's totals hold what came before it.
+            if (kind != Piece::None)
+                counters.addSkipped(quint64((used - from) - piece.size));
             switch (kind) {
             case Piece::DataPacket:
                 onData(piece);
@@ -84,7 +85,7 @@ void parseStream(QByteArray& buffer, StreamCounters& counters, int packetSize, u
                 more = false;  // everything is consumed now
                 break;
             case Piece::Refused:
-                ++rejected;
+                counters.addRejected(1);
                 more = false;
                 break;
             case Piece::None:
@@ -93,9 +94,7 @@ void parseStream(QByteArray& buffer, StreamCounters& counters, int packetSize, u
             }
         }
     }
-    skipped += quint64(decode::keepUnconsumed(buffer, used, kMaxPending) - used);
-    counters.addSkipped(skipped);
-    counters.addRejected(rejected);
+    counters.addSkipped(quint64(decode::keepUnconsumed(buffer, used, kMaxPending) - used));
 }
 
 // The offline rule of both Wren models for one recorded element: every
