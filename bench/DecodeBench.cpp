@@ -92,8 +92,9 @@ Rate measureOffline(const QString& model, const Stream& stream)
         for (const QByteArray& packet : stream.packets) {
             parser->add(packet, completed);
             // Each frame's health, as the player's index and the CLI take it.
-            for (const lidar::FrameHealth& health : parser->frameHealth())
-                missing += health.missingPackets;
+            if (!completed.isEmpty())
+                for (const lidar::FrameHealth& health : parser->frameHealth())
+                    missing += health.missingPackets;
             for (const auto& frame : completed)
                 points += qint64(frame.pointCount());
             rate.frames += completed.size();

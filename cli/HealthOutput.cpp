@@ -35,7 +35,7 @@ QString frameJson(qint64 number, const lidar::FrameHealth& h)
         .arg(gaps.join(QStringLiteral(", ")))
         .arg(h.points)
         .arg(h.returns)
-        .arg(h.hasPeriod() ? cli::number(h.periodMs, 9) : QStringLiteral("null"))
+        .arg(h.hasPeriod() ? QString::number(h.periodMs, 'f', 3) : QStringLiteral("null"))  // to the microsecond
         .arg(h.motorSpeed >= 0 ? QString::number(h.motorSpeed) : QStringLiteral("null"));
 }
 

@@ -104,8 +104,8 @@ struct DecodedPacket {
     std::vector<int32_t> ids;
     std::vector<uint8_t> kept;
     // For the stream-health accounting: the degrees the packet covers, its
-    // points with a distance above 0 (setPoint counts them) and its GPS
-    // time in ns (0: none).
+    // points with a distance above 0 (counted where the decoder reads its
+    // distances) and its GPS time in ns (0: none).
     PacketCover cover;
     int32_t returns = 0;
     uint64_t timeNs = 0;
@@ -210,7 +210,6 @@ inline void setPoint(DecodedPacket& packet, size_t i, int32_t id, double azimuth
     p.distance = distance;
     p.intensity = intensity;
     p.timestamp = -1;
-    packet.returns += distance > 0 ? 1 : 0;
     packet.azimuths[i] = azimuth;
     if (!packet.channel0Only) {
         packet.ids[i] = id;
@@ -260,14 +259,10 @@ void assignLatin1(QString& target, const char* text, int length);
 // ends when an azimuth falls more than 15 degrees below its predecessor;
 // `endRevolution` then hands the finished frame on and shifts the frames.
 // Azimuths above 360 belong to the next revolution and go to `next`.
-// `accounting` follows along: it closes the revolution's health just before
-// `endRevolution` runs (lastHealth()), and counts what the packet covered.
 template <typename Azimuth, typename Previous, typename EndRevolution>
-void placePoints(const DecodedPacket& packet, LidarDataPoint_V4& current, LidarDataPoint_V4& next,
-                 Previous& previous, FrameAccounting& accounting, EndRevolution&& endRevolution)
+void placeUncounted(const DecodedPacket& packet, LidarDataPoint_V4& current, LidarDataPoint_V4& next,
+                    Previous& previous, EndRevolution&& endRevolution)
 {
-    accounting.packetArrives(packet.cover, packet.returns, packet.timeNs);
-    int32_t returnsToNext = 0;
     if (packet.hasAmbient)
         current.ambient = packet.ambient;
     current.motorSpeed = packet.motorSpeed;
@@ -287,7 +282,6 @@ void placePoints(const DecodedPacket& packet, LidarDataPoint_V4& current, LidarD
         if (Q_UNLIKELY(endsRevolution(static_cast<Azimuth>(last), azimuth))) {
             const LidarDataPoint_V4 ended = current;  // shares the points
             previous = last;
-            accounting.closeFrame(current);
             endRevolution();
             currentLines.newRevolution(ended);
             nextLines.forget();
@@ -317,7 +311,6 @@ void placePoints(const DecodedPacket& packet, LidarDataPoint_V4& current, LidarD
                 std::vector<LidarPoint>& line = nextLines[id];
                 line.push_back(packet.points[i]);
                 line.back().azimuth = static_cast<float>(azimuth - Azimuth(360));
-                returnsToNext += packet.points[i].distance > 0 ? 1 : 0;
             } else {
                 std::vector<LidarPoint>& line = currentLines[id];
                 line.push_back(packet.points[i]);
@@ -327,7 +320,37 @@ void placePoints(const DecodedPacket& packet, LidarDataPoint_V4& current, LidarD
         ++i;
     }
     previous = last;
-    accounting.packetPlaced(returnsToNext, n > 0, double(last));
+}
+
+// The returns among a packet's stored points above 360 degrees, which go to
+// the next revolution.
+template <typename Azimuth>
+int32_t returnsAbove360(const DecodedPacket& packet)
+{
+    int32_t returns = 0;
+    for (size_t i = 0; i < packet.size(); ++i)
+        if (static_cast<Azimuth>(packet.azimuths[i]) > Azimuth(360) && (packet.channel0Only || packet.kept[i]))
+            returns += packet.points[i].distance > 0 ? 1 : 0;
+    return returns;
+}
+
+// placeUncounted with `accounting` following along: it closes the
+// revolution's health just before `endRevolution` runs (lastHealth()), and
+// counts what the packet covered. Kept outside the placement's loop, which
+// stays as tight as without it.
+template <typename Azimuth, typename Previous, typename EndRevolution>
+void placePoints(const DecodedPacket& packet, LidarDataPoint_V4& current, LidarDataPoint_V4& next,
+                 Previous& previous, FrameAccounting& accounting, EndRevolution&& endRevolution)
+{
+    accounting.packetArrives(packet.cover, packet.returns, packet.timeNs);
+    placeUncounted<Azimuth>(packet, current, next, previous, [&] {
+        accounting.closeFrame(current);
+        endRevolution();
+    });
+    // Only a packet that reaches past 360 degrees can have points there.
+    const int32_t returnsToNext =
+        Q_UNLIKELY(packet.cover.end > packetcover::kTurn) ? returnsAbove360<Azimuth>(packet) : 0;
+    accounting.packetPlaced(returnsToNext, packet.size() > 0, double(previous));
 }
 
 // State an offline parse function keeps from one call to the next.
@@ -337,7 +360,8 @@ struct OfflineFrames {
     LidarDataPoint_V4 next;
     Previous previous = Previous(-1);
     // The recording's health: its frames' records, those the last call
-    // completed in `completed` (the caller empties it), and its totals.
+    // completed in `completed` (the caller empties it), and its totals
+    // (their packets: accounting.packetsPlaced()).
     FrameAccounting accounting;
     std::vector<FrameHealth> completed;
     StreamTotals totals;
@@ -359,7 +383,6 @@ struct OfflineFrames {
     template <typename Azimuth>
     void place(const DecodedPacket& packet, QVector<LidarDataPoint_V4>& out)
     {
-        ++totals.packets;
         placePoints<Azimuth>(packet, current, next, previous, accounting, [&] {
             out.append(current);
             completed.push_back(accounting.lastHealth());

@@ -13,6 +13,8 @@
 #include "LidarRecords.h"
 #include "ModelGeometry.h"
 
+#include <QtGlobal>
+#include <algorithm>
 #include <array>
 #include <cstdint>
 
@@ -41,25 +43,60 @@ public:
     // next revolution (azimuths above 360). `madePoints` false: it made none
     // and so could not end a revolution; `lastAzimuth` is the placement's
     // remembered azimuth after it.
-    void packetPlaced(int32_t returnsToNext, bool madePoints, double lastAzimuth);
+    void packetPlaced(int32_t returnsToNext, bool madePoints, double lastAzimuth)
+    {
+        // The usual packet: within the turn, after the last one; one span grows.
+        const PacketCover& cover = pending_.cover;
+        Turn& turn = current_;
+        if (Q_LIKELY(madePoints && returnsToNext == 0 && turn.spanCount > 0
+                     && (turn.firstTimeNs != 0 || pending_.timeNs == 0) && cover.known()
+                     && cover.end <= packetcover::kTurn)) {
+            Turn::Span& last = turn.spans[size_t(turn.spanCount - 1)];
+            if (cover.start >= last.start && cover.start <= last.end + Turn::jitter(cover)) {
+                last.end = std::max(last.end, cover.end);
+                ++turn.packets;
+                turn.widths += cover.width();
+                turn.returns += pending_.returns;
+                return;
+            }
+        }
+        placeAnyPacket(returnsToNext, madePoints, lastAzimuth);
+    }
 
     // The health of the revolution closed last.
     const FrameHealth& lastHealth() const { return last_; }
+    // Data packets placed so far.
+    quint64 packetsPlaced() const { return closedPackets_ + quint64(current_.packets) + quint64(next_.packets); }
 
 private:
     static constexpr int kMaxSpans = 48;
 
+    // One revolution's packets; angles in 1/100 degree.
     struct Turn {
-        std::array<CoveredSpan, kMaxSpans> spans;
+        struct Span {
+            int32_t start, end;
+        };
+        std::array<Span, kMaxSpans> spans;
         int spanCount = 0;
         int32_t packets = 0;
         int32_t returns = 0;
-        double widths = 0.0;       // degrees covered by its packets, whole, for the pitch
+        int64_t widths = 0;        // covered by its packets, whole, for the pitch
         uint64_t firstTimeNs = 0;  // of its first packet, and where that starts
-        float firstStart = 0.0f;
+        int32_t firstStart = 0;
 
-        void cover(float start, float end);
-        void reset() { *this = Turn(); }
+        // A space this narrow before a packet is the jitter of start
+        // angles: an eighth of the packet.
+        static int32_t jitter(const PacketCover& cover) { return cover.width() / 8; }
+        void cover(int32_t start, int32_t end, int32_t jitter);
+        // The spans are not cleared: spanCount says how many hold.
+        void reset()
+        {
+            spanCount = packets = returns = 0;
+            widths = 0;
+            firstTimeNs = 0;
+            firstStart = 0;
+        }
+        void takeOver(const Turn& other);
     };
     struct Pending {
         PacketCover cover;
@@ -67,12 +104,14 @@ private:
         uint64_t timeNs = 0;
     };
 
-    static void count(Turn& turn, float start, float width, uint64_t timeNs);
+    void placeAnyPacket(int32_t returnsToNext, bool madePoints, double lastAzimuth);
+    static void count(Turn& turn, int32_t start, int32_t width, uint64_t timeNs);
 
     Turn current_, next_;
     Pending pending_;
     uint64_t arrivalNs_ = 0;
     double pitch_ = 0.0;  // degrees per packet, as the last revolution measured it
+    quint64 closedPackets_ = 0;
     FrameHealth last_;
 };
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <vector>
 
 namespace lidar {
 
@@ -26,37 +27,50 @@ CoverageMeasure measureCoverage(const CoveredSpan* spans, int count, double pitc
         return std::max(0, int(roundUp ? std::ceil(packets) : std::floor(packets)));
     };
 
-    // Sorted and merged, clamped to the turn.
-    std::vector<CoveredSpan> merged;
-    merged.reserve(size_t(std::max(count, 0)));
+    CoverageMeasure m;
+    // A whole turn, as nearly every one is, in one span.
+    if (count == 1 && spans[0].start <= 0.0f && spans[0].end >= kTurn) {
+        m.coverage = 1.0f;
+        return m;
+    }
+
+    // Sorted and merged, clamped to the turn; on the stack for any turn of
+    // the usual few spans.
+    constexpr int kOnStack = 64;
+    std::array<CoveredSpan, kOnStack> stack;
+    std::vector<CoveredSpan> heap;
+    CoveredSpan* sorted = stack.data();
+    if (count > kOnStack) {
+        heap.resize(size_t(count));
+        sorted = heap.data();
+    }
+    int n = 0;
     for (int i = 0; i < count; ++i) {
         const float start = std::max(spans[i].start, 0.0f), end = std::min(spans[i].end, kTurn);
         if (end > start)
-            merged.push_back({start, end});
+            sorted[n++] = {start, end};
     }
-    std::sort(merged.begin(), merged.end(),
-              [](const CoveredSpan& a, const CoveredSpan& b) { return a.start < b.start; });
-    size_t kept = 0;
-    for (size_t i = 0; i < merged.size(); ++i) {
-        if (kept > 0 && merged[i].start <= merged[kept - 1].end)
-            merged[kept - 1].end = std::max(merged[kept - 1].end, merged[i].end);
+    std::sort(sorted, sorted + n, [](const CoveredSpan& a, const CoveredSpan& b) { return a.start < b.start; });
+    int kept = 0;
+    for (int i = 0; i < n; ++i) {
+        if (kept > 0 && sorted[i].start <= sorted[kept - 1].end)
+            sorted[kept - 1].end = std::max(sorted[kept - 1].end, sorted[i].end);
         else
-            merged[kept++] = merged[i];
+            sorted[kept++] = sorted[i];
     }
-    merged.resize(kept);
+    const CoveredSpan* const merged = sorted;
 
-    CoverageMeasure m;
-    if (merged.empty()) {
+    if (kept == 0) {
         m.gaps.append({0.0f, kTurn});
         m.missingPackets = packetsIn(kTurn, 0.0, false);
         return m;
     }
     float uncovered = 0.0f;
-    const float head = merged.front().start, tail = kTurn - merged.back().end;
+    const float head = merged[0].start, tail = kTurn - merged[kept - 1].end;
     const bool headGap = head >= slack, tailGap = tail >= slack;
     if (headGap && !tailGap)
         m.gaps.append({0.0f, head});
-    for (size_t i = 0; i + 1 < merged.size(); ++i) {
+    for (size_t i = 0; i + 1 < size_t(kept); ++i) {
         const float width = merged[i + 1].start - merged[i].end;
         if (width < slack)
             continue;
@@ -65,7 +79,7 @@ CoverageMeasure measureCoverage(const CoveredSpan* spans, int count, double pitc
         uncovered += width;
     }
     if (tailGap)
-        m.gaps.append({merged.back().end, headGap ? head : kTurn});
+        m.gaps.append({merged[kept - 1].end, headGap ? head : kTurn});
     if (headGap) {
         uncovered += head;
         m.missingPackets += packetsIn(head, 0.25, false);

@@ -64,16 +64,6 @@ ScanGeometry wrenGeometry(decode::Bytes bytes, int packetSize, uint8_t type, int
 
 }  // namespace
 
-namespace packetcover {
-
-PacketCover wren(uint16_t startCode, uint16_t endCode)
-{
-    const wren::GroupAngles<double> angles = wren::groupAngles<double>(startCode, endCode);
-    return {float(angles.start), float(angles.start + double(wren::kGroups) * angles.step)};
-}
-
-}  // namespace packetcover
-
 ScanGeometry scanGeometry(const QString& model, const QByteArray& bytes)
 {
     const decode::Bytes b(bytes);

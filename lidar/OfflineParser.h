@@ -65,15 +65,21 @@ public:
     bool add(const QByteArray& packet, QVector<LidarDataPoint_V4>& frames) override
     {
         decode::OfflineFrames<decltype(state_.frames.previous)>& shared = state_.frames;
-        shared.completed.clear();
-        const quint64 decoded = shared.totals.packets;
+        if (!shared.completed.empty())
+            shared.completed.clear();
+        const quint64 decoded = shared.accounting.packetsPlaced();
         const bool goesOn = Model::AddRecordedPacket(state_, packet, frames);
-        if (shared.totals.packets == decoded)
+        if (shared.accounting.packetsPlaced() == decoded)
             ++shared.totals.rejectedPackets;
         return goesOn;
     }
     const std::vector<FrameHealth>& frameHealth() const override { return state_.frames.completed; }
-    StreamTotals totals() const override { return state_.frames.totals; }
+    StreamTotals totals() const override
+    {
+        StreamTotals totals = state_.frames.totals;
+        totals.packets = state_.frames.accounting.packetsPlaced();
+        return totals;
+    }
 
     // The one the registered parse functions use, for the life of the process.
     static ModelOfflineParser& shared()

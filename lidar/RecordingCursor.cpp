@@ -96,7 +96,10 @@ bool RecordingCursor::readPacket()
             observer_(packet_);
     } while (ended_);
     ended_ = !parser_->add(packet_, waiting_);
-    waitingHealth_ = parser_->frameHealth();
+    if (waiting_.isEmpty())
+        waitingHealth_.clear();
+    else
+        waitingHealth_ = parser_->frameHealth();
     completed_ += waiting_.size();
     return true;
 }
