@@ -67,6 +67,9 @@ public:
 
     lidar::ScanGeometry scanGeometry() const override { return lidar::recordingScanGeometry(path_); }
 
+    lidar::FrameHealth frameHealth() const override { return stream_->frameHealth(); }
+    lidar::StreamTotals totals() const override { return stream_->totals(); }
+
     QStringList times() const override
     {
         if (!hasGpsTime())
@@ -105,10 +108,13 @@ public:
     bool run(const FrameSink& sink, QString& error) override
     {
         const qint64 size = QFileInfo(path_).size();
-        result_ = capture::readCaptureFrames(path_, options_, sink, [this, size](qint64 read) {
-            if (read >= 0 && size > 0)
-                fraction_ = double(read) / double(size);
-        });
+        result_ = capture::readCaptureFrames(
+            path_, options_, sink,
+            [this, size](qint64 read) {
+                if (read >= 0 && size > 0)
+                    fraction_ = double(read) / double(size);
+            },
+            [this](const lidar::FrameHealth& health, const lidar::StreamTotals&) { health_ = health; });
         if (!result_.ok)
             error = result_.error;
         return result_.ok;
@@ -139,6 +145,9 @@ public:
 
     QStringList warnings() const override { return result_.warnings; }
 
+    lidar::FrameHealth frameHealth() const override { return health_; }
+    lidar::StreamTotals totals() const override { return result_.stream; }
+
     double fractionRead() const override { return fraction_; }
 
     lidar::ScanGeometry scanGeometry() const override
@@ -150,6 +159,7 @@ private:
     QString path_;
     capture::CaptureOptions options_;
     capture::CaptureFramesResult result_;
+    lidar::FrameHealth health_;  // of the frame the sink is given
     double fraction_ = 0.0;
 };
 

@@ -3,6 +3,7 @@
 // the viewer or by 'listen --record', or a tcpdump/Wireshark capture played
 // through a model's live stream cutting. Frames come out one at a time.
 
+#include "FrameHealth.h"
 #include "LidarRecords.h"
 #include "ModelGeometry.h"
 
@@ -32,6 +33,13 @@ public:
     // what it holds, then the time it spans.
     virtual QStringList details() const = 0;
     virtual QStringList times() const = 0;
+    // The health of the frame being handed to the sink (valid in the sink).
+    virtual lidar::FrameHealth frameHealth() const = 0;
+    // The input's stream totals, once run() has run: data packets, rejected
+    // packets and skipped bytes. A recording holds only the packets its
+    // decoder took: its rejected packets are elements the parse refused,
+    // and it skips no bytes.
+    virtual lidar::StreamTotals totals() const = 0;
     // What was skipped on the way, once run() has run.
     virtual QStringList warnings() const { return {}; }
     // How much of the input run() has read so far, 0 to 1.

@@ -18,7 +18,7 @@ namespace {
 const char* const kHelp =
     "Usage: scandeck-cli listen --model <Name>\n"
     "         (--udp <bindIp>:<port> [--lidar <ip>:<port>] | --serial <port> [--baud <n>])\n"
-    "         [--frames <n>] [--timeout <s>] [-o <out.csv>] [--record <file>]\n"
+    "         [--frames <n>] [--timeout <s>] [-o <out.csv>] [--record <file>] [--json]\n"
     "\n"
     "Opens a live session with a lidar of the given model, prints one line per\n"
     "frame (points, motor speed) and stops after n frames.\n"
@@ -38,6 +38,10 @@ const char* const kHelp =
     "  -o, --output <file>    write the frames to CSV ('-' for standard output)\n"
     "  --record <file>        record the raw packet stream to a file that\n"
     "                         'scandeck-cli convert' and the viewer can read\n"
+    "  --json                 each frame's health as a JSON object instead, then\n"
+    "                         a summary object, as 'scandeck-cli info --json'\n"
+    "                         prints them; the summary's rejected packets and\n"
+    "                         skipped bytes are the stream's up to the last frame\n"
     "  -h, --help             show this help\n"
     "\n"
     "Exit status: 0 all frames arrived, 1 failure or timeout, 2 bad arguments,\n"
@@ -69,6 +73,7 @@ struct ListenOptions {
     double timeoutSeconds = 10.0;
     QString output;
     QString record;
+    bool json = false;
 
     QString source() const
     {
@@ -91,7 +96,8 @@ int parseListenOptions(const QStringList& arguments, ListenOptions& o)
     const QCommandLineOption timeout("timeout", "Timeout.", "s", "10");
     const QCommandLineOption output({"o", "output"}, "CSV file.", "file");
     const QCommandLineOption record("record", "Recording.", "file");
-    parser.addOptions({model, udp, lidar, serial, baud, frames, timeout, output, record});
+    const QCommandLineOption json("json", "JSON Lines.");
+    parser.addOptions({model, udp, lidar, serial, baud, frames, timeout, output, record, json});
     const int early = parseCommandLine(parser, command, arguments,
                                        QString::fromLatin1(kHelp).arg(models.join(QStringLiteral(", "))));
     if (early >= 0)
@@ -136,6 +142,9 @@ int parseListenOptions(const QStringList& arguments, ListenOptions& o)
     o.record = parser.value(record);
     if (parser.isSet(record) && o.record.isEmpty())
         return usageError(command, "empty recording file name");
+    o.json = parser.isSet(json);
+    if (o.json && o.output == QLatin1String("-"))
+        return usageError(command, "--json and -o - both want standard output");
     return -1;
 }
 
@@ -236,6 +245,7 @@ int runListen(const QStringList& arguments)
         return fileError(o.record, QStringLiteral("cannot write: %1").arg(session->saveError));
 
     FrameListener listener(session, o.frames, csv.get(), confirmedType);
+    listener.setJson(o.json);
     QObject::connect(&listener, &FrameListener::finished, QCoreApplication::instance(), &QCoreApplication::exit,
                      Qt::QueuedConnection);
 
@@ -254,7 +264,7 @@ int runListen(const QStringList& arguments)
                            .arg(o.source(), counted(o.frames, QStringLiteral("frame")), o.model);
         if (!o.network)
             line += QStringLiteral(" at %1 baud").arg(o.baud);
-        if (o.output == QLatin1String("-"))
+        if (o.output == QLatin1String("-") || o.json)
             printError(line);
         else
             printOut(line);
@@ -282,6 +292,8 @@ int runListen(const QStringList& arguments)
         }
     }
 
+    if (o.json && problem.isEmpty())
+        printOut(listener.summaryJson());
     const int seen = listener.framesSeen();
     if (exitCode == Failure && problem.isEmpty() && seen < o.frames)
         fileError(o.source(), shortfall(o, seen, session->bytesReceived.load()));

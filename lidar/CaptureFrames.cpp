@@ -8,7 +8,8 @@ namespace capture {
 
 CaptureFramesResult readCaptureFrames(const QString& path, const CaptureOptions& options,
                                       const std::function<bool(lidar::LidarDataPoint_V4& frame)>& sink,
-                                      const std::function<void(qint64 bytesRead)>& progress)
+                                      const std::function<void(qint64 bytesRead)>& progress,
+                                      const HealthObserver& health)
 {
     CaptureFramesResult result;
     bool stopped = false;
@@ -21,6 +22,11 @@ CaptureFramesResult readCaptureFrames(const QString& path, const CaptureOptions&
         return result;
     }
     stream->setVersionNumber(options.versionNumber);
+    if (health)
+        stream->setHealthSink([&](const lidar::FrameHealth& h, const lidar::StreamTotals& totals) {
+            if (!stopped)
+                health(h, totals);
+        });
 
     CaptureFile file;
     if (!file.open(path)) {
@@ -29,7 +35,7 @@ CaptureFramesResult readCaptureFrames(const QString& path, const CaptureOptions&
     }
     qint64 datagrams = 0;
     file.readDatagrams(options.port, [&](const QByteArray& payload) {
-        stream->feed(payload);
+        stream->feed(payload, file.summary().lastDatagramNs);
         if (progress && ++datagrams % 256 == 0)
             progress(file.position());
         return !stopped;
@@ -37,6 +43,7 @@ CaptureFramesResult readCaptureFrames(const QString& path, const CaptureOptions&
     result.summary = file.summary();
     result.warnings = file.warnings();
     result.frames = stream->frames();
+    result.stream = stream->totals();
     if (result.summary.counts.datagrams == 0) {
         result.error = file.noDatagramMessage(options.port);
         return result;

@@ -38,16 +38,19 @@ capture::CaptureFramesResult CaptureIndexer::result() const
 
 void CaptureIndexer::run()
 {
+    FrameHealth health;  // of the frame about to come
     capture::CaptureFramesResult result = capture::readCaptureFrames(
         path_, options_,
-        [this](LidarDataPoint_V4& frame) {
-            if (!frames_.append(frame)) {
+        [this, &health](LidarDataPoint_V4& frame) {
+            if (!frames_.append(frame, health)) {
                 spillFailed_ = true;
                 return false;
             }
+            health_.append(health);
             return !stopRequested_.load(std::memory_order_relaxed);
         },
-        [this](qint64 read) { bytesRead_.store(read, std::memory_order_relaxed); });
+        [this](qint64 read) { bytesRead_.store(read, std::memory_order_relaxed); },
+        [&health](const FrameHealth& h, const StreamTotals&) { health = h; });
     if (spillFailed_)
         result.warnings << QCoreApplication::translate("CaptureFile",
                                                        "The decoded frames could not be kept (%1): the capture "

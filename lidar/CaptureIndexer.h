@@ -5,6 +5,7 @@
 // (SpilledFrames) from which the window reads the frame it shows.
 
 #include "CaptureFrames.h"
+#include "HealthIndex.h"
 #include "SpilledFrames.h"
 
 #include <atomic>
@@ -27,7 +28,11 @@ public:
     bool start();
     void stop();
 
+    // Each frame read back with its full health: frames().read(k, frame, &health).
     SpilledFrames& frames() { return frames_; }
+    // The health of each frame decoded so far, small, for the slider and
+    // the jumps to incomplete frames.
+    const HealthIndex& health() const { return health_; }
     bool isFinished() const { return finished_.load(std::memory_order_acquire); }
     // Bytes of the capture read so far, and its size.
     qint64 bytesRead() const { return bytesRead_.load(std::memory_order_relaxed); }
@@ -43,6 +48,7 @@ private:
     capture::CaptureOptions options_;
     qint64 size_ = 0;
     SpilledFrames frames_;
+    HealthIndex health_;
     std::atomic<bool> stopRequested_{false};
     std::atomic<bool> finished_{false};
     std::atomic<qint64> bytesRead_{0};

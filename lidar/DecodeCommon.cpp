@@ -8,7 +8,7 @@ namespace decode {
 const QByteArray kHeader("\xA5\x5A", 2);
 const QByteArray kTrailer("\xFA\xFB", 2);
 
-void keepUnconsumed(QByteArray& buffer, int used, int maxPending)
+int keepUnconsumed(QByteArray& buffer, int used, int maxPending)
 {
     const Bytes bytes(buffer);
     const int size = bytes.size;
@@ -27,6 +27,7 @@ void keepUnconsumed(QByteArray& buffer, int used, int maxPending)
     }
     if (keepFrom > 0)
         buffer.remove(0, keepFrom);
+    return keepFrom;
 }
 
 DecodedPacket& scratchPacket()

@@ -3,7 +3,9 @@
 // points of one packet before they are placed, placing them into the frame
 // being built or the next one at the azimuth wrap, and command packets.
 
+#include "FrameAccounting.h"
 #include "LidarRecords.h"
+#include "ModelGeometry.h"
 
 #include <QByteArray>
 #include <QVector>
@@ -77,8 +79,9 @@ extern const QByteArray kTrailer;  // FA FB
 // longer become part of a packet, so that junk cannot pile up. A buffer
 // without a header keeps at most a last A5 (a header's first half). A piece
 // still waiting for its end may hold `maxPending` bytes from its header; one
-// that grows past that is given up for the next header that fits.
-void keepUnconsumed(QByteArray& buffer, int used, int maxPending);
+// that grows past that is given up for the next header that fits. Returns
+// the bytes dropped, `used` or more.
+int keepUnconsumed(QByteArray& buffer, int used, int maxPending);
 
 // What one data packet contributes: frame-level values and its points in
 // packet order, each with its azimuth before the 360-degree correction (in
@@ -100,12 +103,21 @@ struct DecodedPacket {
     std::vector<double> azimuths;
     std::vector<int32_t> ids;
     std::vector<uint8_t> kept;
+    // For the stream-health accounting: the degrees the packet covers, its
+    // points with a distance above 0 (counted where the decoder reads its
+    // distances) and its GPS time in ns (0: none).
+    PacketCover cover;
+    int32_t returns = 0;
+    uint64_t timeNs = 0;
 
     void reset()
     {
         motorSpeed = -1;
         hasAmbient = false;
         hasDateTime = false;
+        cover = PacketCover();
+        returns = 0;
+        timeNs = 0;
     }
     size_t size() const { return points.size(); }
     void resize(size_t n, bool everyPointOnChannel0)
@@ -248,8 +260,8 @@ void assignLatin1(QString& target, const char* text, int length);
 // `endRevolution` then hands the finished frame on and shifts the frames.
 // Azimuths above 360 belong to the next revolution and go to `next`.
 template <typename Azimuth, typename Previous, typename EndRevolution>
-void placePoints(const DecodedPacket& packet, LidarDataPoint_V4& current, LidarDataPoint_V4& next,
-                 Previous& previous, EndRevolution&& endRevolution)
+void placeUncounted(const DecodedPacket& packet, LidarDataPoint_V4& current, LidarDataPoint_V4& next,
+                    Previous& previous, EndRevolution&& endRevolution)
 {
     if (packet.hasAmbient)
         current.ambient = packet.ambient;
@@ -310,12 +322,49 @@ void placePoints(const DecodedPacket& packet, LidarDataPoint_V4& current, LidarD
     previous = last;
 }
 
+// The returns among a packet's stored points above 360 degrees, which go to
+// the next revolution.
+template <typename Azimuth>
+int32_t returnsAbove360(const DecodedPacket& packet)
+{
+    int32_t returns = 0;
+    for (size_t i = 0; i < packet.size(); ++i)
+        if (static_cast<Azimuth>(packet.azimuths[i]) > Azimuth(360) && (packet.channel0Only || packet.kept[i]))
+            returns += packet.points[i].distance > 0 ? 1 : 0;
+    return returns;
+}
+
+// placeUncounted with `accounting` following along: it closes the
+// revolution's health just before `endRevolution` runs (lastHealth()), and
+// counts what the packet covered. Kept outside the placement's loop, which
+// stays as tight as without it.
+template <typename Azimuth, typename Previous, typename EndRevolution>
+void placePoints(const DecodedPacket& packet, LidarDataPoint_V4& current, LidarDataPoint_V4& next,
+                 Previous& previous, FrameAccounting& accounting, EndRevolution&& endRevolution)
+{
+    accounting.packetArrives(packet.cover, packet.returns, packet.timeNs);
+    placeUncounted<Azimuth>(packet, current, next, previous, [&] {
+        accounting.closeFrame(current);
+        endRevolution();
+    });
+    // Only a packet that reaches past 360 degrees can have points there.
+    const int32_t returnsToNext =
+        Q_UNLIKELY(packet.cover.end > packetcover::kTurn) ? returnsAbove360<Azimuth>(packet) : 0;
+    accounting.packetPlaced(returnsToNext, packet.size() > 0, double(previous));
+}
+
 // State an offline parse function keeps from one call to the next.
 template <typename Previous>
 struct OfflineFrames {
     LidarDataPoint_V4 current;
     LidarDataPoint_V4 next;
     Previous previous = Previous(-1);
+    // The recording's health: its frames' records, those the last call
+    // completed in `completed` (the caller empties it), and its totals
+    // (their packets: accounting.packetsPlaced()).
+    FrameAccounting accounting;
+    std::vector<FrameHealth> completed;
+    StreamTotals totals;
 
     // Makes the unfinished turns hold copies of their points of exactly
     // their size: a copy of the state shares its point lists with the
@@ -334,8 +383,10 @@ struct OfflineFrames {
     template <typename Azimuth>
     void place(const DecodedPacket& packet, QVector<LidarDataPoint_V4>& out)
     {
-        placePoints<Azimuth>(packet, current, next, previous, [&] {
+        placePoints<Azimuth>(packet, current, next, previous, accounting, [&] {
             out.append(current);
+            completed.push_back(accounting.lastHealth());
+            totals.addFrame(accounting.lastHealth());
             current = next;
             next.clear();
         });

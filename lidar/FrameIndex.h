@@ -4,6 +4,7 @@
 // (a place in the file and the parse's state there) and the number of
 // frames found so far. The indexing thread writes it, any thread reads it.
 
+#include "HealthIndex.h"
 #include "RecordingCursor.h"
 
 #include <QString>
@@ -46,10 +47,16 @@ public:
     RecordingCursor::Checkpoint checkpointBefore(qint64 frame) const;
     size_t checkpointCount() const;
 
+    // The health of each frame found so far (the indexing pass appends):
+    // health().summary(k), health().nextIncomplete(k) and so on.
+    HealthIndex& health() { return health_; }
+    const HealthIndex& health() const { return health_; }
+
 private:
     mutable std::mutex mutex_;
     std::vector<RecordingCursor::Checkpoint> checkpoints_;
     Progress progress_;
+    HealthIndex health_;
 };
 
 }  // namespace lidar

@@ -7,32 +7,36 @@ IndexedFrameReader::IndexedFrameReader(QString fileName, std::shared_ptr<const F
 {
 }
 
-const LidarDataPoint_V4* IndexedFrameReader::cached(qint64 number) const
+const IndexedFrameReader::Decoded* IndexedFrameReader::cached(qint64 number) const
 {
-    for (const auto& entry : cache_)
-        if (entry.first == number)
-            return &entry.second;
+    for (const Decoded& entry : cache_)
+        if (entry.number == number)
+            return &entry;
     return nullptr;
 }
 
-void IndexedFrameReader::keep(qint64 number, const LidarDataPoint_V4& frame)
+void IndexedFrameReader::keep(const Decoded& decoded)
 {
-    if (cached(number))
+    if (cached(decoded.number))
         return;
-    cache_.emplace_back(number, frame);  // the points are shared, not copied
+    cache_.push_back(decoded);  // the points are shared, not copied
     if (cache_.size() > size_t(kCachedFrames))
         cache_.pop_front();
 }
 
-bool IndexedFrameReader::frame(qint64 number, LidarDataPoint_V4& out)
+bool IndexedFrameReader::frame(qint64 number, LidarDataPoint_V4& out, FrameHealth* health)
 {
-    if (const LidarDataPoint_V4* hit = cached(number)) {
-        out = *hit;
-        return true;
+    Decoded decoded;
+    if (const Decoded* hit = cached(number)) {
+        decoded = *hit;
+    } else {
+        if (!decode(number, decoded))
+            return false;
+        keep(decoded);
     }
-    if (!decode(number, out))
-        return false;
-    keep(number, out);
+    out = std::move(decoded.frame);
+    if (health)
+        *health = std::move(decoded.health);
     return true;
 }
 
@@ -40,12 +44,12 @@ void IndexedFrameReader::readAhead(qint64 number)
 {
     if (number < 0 || number >= index_->frames() || cached(number))
         return;
-    LidarDataPoint_V4 frame;
-    if (decode(number, frame))
-        keep(number, frame);
+    Decoded decoded;
+    if (decode(number, decoded))
+        keep(decoded);
 }
 
-bool IndexedFrameReader::decode(qint64 number, LidarDataPoint_V4& out)
+bool IndexedFrameReader::decode(qint64 number, Decoded& out)
 {
     if (number < 0 || number >= index_->frames())
         return false;
@@ -74,7 +78,9 @@ bool IndexedFrameReader::decode(qint64 number, LidarDataPoint_V4& out)
             return false;  // fewer frames than the index found: the file changed
         ++decoded_;
         if (at == number) {
-            out = std::move(frame);
+            out.number = number;
+            out.frame = std::move(frame);
+            out.health = cursor_->frameHealth();
             return true;
         }
     }

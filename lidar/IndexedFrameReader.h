@@ -21,9 +21,10 @@ public:
 
     IndexedFrameReader(QString fileName, std::shared_ptr<const FrameIndex> index);
 
-    // Frame `number` (0-based, below the index's frame count). False when
-    // it cannot be read: the file changed since it was indexed.
-    bool frame(qint64 number, LidarDataPoint_V4& out);
+    // Frame `number` (0-based, below the index's frame count), and its
+    // health when `health` is given. False when it cannot be read: the file
+    // changed since it was indexed.
+    bool frame(qint64 number, LidarDataPoint_V4& out, FrameHealth* health = nullptr);
     // Decodes frame `number` into the cache, if it is not there yet.
     void readAhead(qint64 number);
 
@@ -31,14 +32,19 @@ public:
     qint64 framesDecoded() const { return decoded_; }
 
 private:
-    bool decode(qint64 number, LidarDataPoint_V4& out);
-    const LidarDataPoint_V4* cached(qint64 number) const;
-    void keep(qint64 number, const LidarDataPoint_V4& frame);
+    struct Decoded {
+        qint64 number = -1;
+        LidarDataPoint_V4 frame;
+        FrameHealth health;
+    };
+    bool decode(qint64 number, Decoded& out);
+    const Decoded* cached(qint64 number) const;
+    void keep(const Decoded& decoded);
 
     QString fileName_;
     std::shared_ptr<const FrameIndex> index_;
     std::unique_ptr<RecordingCursor> cursor_;
-    std::deque<std::pair<qint64, LidarDataPoint_V4>> cache_;  // newest last
+    std::deque<Decoded> cache_;  // newest last
     qint64 decoded_ = 0;
 };
 

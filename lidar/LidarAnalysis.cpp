@@ -15,6 +15,7 @@ LidarAnalysis::LidarAnalysis(QObject* parent) : QObject(parent)
 {
     qRegisterMetaType<lidar::CONNECTION_TYPE>("lidar::CONNECTION_TYPE");
     lidar::registerMetaTypes();
+    lidar::registerHealthMetaTypes();
     connect(this, &LidarAnalysis::SendDataToLidarSignal, this, &LidarAnalysis::WriteToLidar);
     connect(this, &LidarAnalysis::SendConnectSignal, this, &LidarAnalysis::ConnectLidar);
     connect(this, &LidarAnalysis::SendDisConnectSignal, this, &LidarAnalysis::DisconnectLidar);
@@ -77,6 +78,7 @@ void LidarAnalysis::readSerial()
     datagramsReceived.fetch_add(1, std::memory_order_relaxed);
     bytesReceived.fetch_add(quint64(bytes.size()), std::memory_order_relaxed);
     receiveBuffer.append(bytes);
+    noteArrival();
     ParseLidarData();
     writeRecordingAfterArrival();
 }
@@ -89,8 +91,15 @@ void LidarAnalysis::readDatagrams()
         bytesReceived.fetch_add(quint64(datagram.size()), std::memory_order_relaxed);
         receiveBuffer.append(datagram);
     }
+    noteArrival();
     ParseLidarData();
     writeRecordingAfterArrival();
+}
+
+void LidarAnalysis::noteArrival()
+{
+    // Once per read, not per packet: the packets of one read arrived together.
+    frameAccounting.setArrivalNs(quint64(clock_.nsecsElapsed()) + 1);
 }
 
 void LidarAnalysis::WriteToLidar(const QByteArray& data)
@@ -158,6 +167,9 @@ void LidarAnalysis::finishFrame()
 {
     frameReceived.exchange(1);
     framesCompleted.fetch_add(1, std::memory_order_relaxed);
+    const lidar::FrameHealth& health = frameAccounting.lastHealth();
+    streamCounters.addFrame(health);
+    emit SendFrameHealthSignal(health, streamCounters.snapshot());
     if (connected)
         emit SendleLidarDataSignal(currentFrame);
     currentFrame.clear();

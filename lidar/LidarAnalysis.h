@@ -4,10 +4,13 @@
 // device parameters from the last reply and the recording state. It knows no
 // packet format: after each read it calls the model's ParseLidarData().
 
+#include "FrameAccounting.h"
+#include "FrameHealth.h"
 #include "LidarRecords.h"
 #include "RateGate.h"
 #include "RecordingWriter.h"
 #include "RunOnThread.h"
+#include "StreamCounters.h"
 
 #include <QByteArray>
 #include <QElapsedTimer>
@@ -59,6 +62,11 @@ public:
     void AbandonSaveData();
     // Packets and bytes the running recording has in its file so far; any thread.
     lidar::RecordingCounts recordingCounts() const { return recorder_.counts(); }
+    // Times the packets cut next by when their bytes arrived, in ns of a
+    // monotonic clock (0: unknown), for the revolution period of models
+    // without GPS time. The session's reads do it themselves; a capture
+    // played through a session gives its capture times.
+    void setArrivalTime(quint64 ns) { frameAccounting.setArrivalNs(ns); }
     LidarParam GetLidarParam();
     void SetConnected(bool on);
     int GetConnectionType() const;
@@ -83,6 +91,11 @@ signals:
     void SendConnectSignal(lidar::CONNECTION_TYPE type);
     void SendDisConnectSignal();
     void SendGPSTimeData(lidar::GPSTime time);
+    // The health of each revolution the session completes, emitted on its
+    // thread just before the frame itself (SendleLidarDataSignal), and also
+    // while frames are not reported (connected 0); `totals` are the stream's
+    // totals at that moment.
+    void SendFrameHealthSignal(const lidar::FrameHealth& health, const lidar::StreamTotals& totals);
 
 public:
     // Written on the session's thread (or before it starts), read on both.
@@ -120,11 +133,15 @@ public:
     std::atomic<quint64> datagramsReceived{0};
     std::atomic<quint64> bytesReceived{0};
     std::atomic<quint64> framesCompleted{0};
+    // The stream's health totals: data packets, rejected pieces, skipped
+    // bytes, replies, revolutions whole and incomplete, missing packets.
+    lidar::StreamCounters streamCounters;
 
 protected:
     // Appends a packet, exactly as cut, to the recording while one runs.
     void recordPacket(const char* data, int size)
     {
+        streamCounters.addPacket();
         if (saving.load(std::memory_order_relaxed))
             recordPiece(data, size);
     }
@@ -142,6 +159,7 @@ protected:
             fill(param);
         }
         replyReceived.store(1, std::memory_order_release);
+        streamCounters.addReply();
         if (replyResends_.allow(clock_.elapsed()))
             SetMotorFrequency(storedFrequency());
     }
@@ -158,6 +176,9 @@ protected:
     // Sends a packet, sleeps 20 ms and sends it again.
     void sendTwice(const QByteArray& packet);
 
+    // Follows the frame placement: the health of each revolution.
+    lidar::FrameAccounting frameAccounting;
+
     // A standard mutex rather than QMutex: its locking is visible to
     // ThreadSanitizer.
     mutable std::mutex paramMutex;
@@ -167,6 +188,8 @@ private slots:
     void readDatagrams();
 
 private:
+    // Times the packets about to be cut by their arrival.
+    void noteArrival();
     bool startRecording(const QString& fileName);
     bool endRecording();
     void recordPiece(const char* data, int size);

@@ -31,6 +31,12 @@ LiveStreamFrames::LiveStreamFrames(std::unique_ptr<LidarAnalysis> session, Frame
                          sink_(frame);
                      },
                      Qt::DirectConnection);
+    QObject::connect(session_.get(), &LidarAnalysis::SendFrameHealthSignal, session_.get(),
+                     [this](const lidar::FrameHealth& health, const lidar::StreamTotals& totals) {
+                         if (healthSink_)
+                             healthSink_(health, totals);
+                     },
+                     Qt::DirectConnection);
 }
 
 LiveStreamFrames::~LiveStreamFrames() = default;
@@ -40,8 +46,14 @@ void LiveStreamFrames::setVersionNumber(uint32_t version)
     session_->versionNumber = version;
 }
 
-void LiveStreamFrames::feed(const QByteArray& bytes)
+StreamTotals LiveStreamFrames::totals() const
 {
+    return session_->streamCounters.snapshot();
+}
+
+void LiveStreamFrames::feed(const QByteArray& bytes, qint64 arrivalNs)
+{
+    session_->setArrivalTime(arrivalNs > 0 ? quint64(arrivalNs) : 0);
     session_->receiveBuffer.append(bytes);
     session_->ParseLidarData();
 }

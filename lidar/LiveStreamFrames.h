@@ -7,6 +7,7 @@
 // The model's program-wide decoder state (the previous azimuth, packet
 // clocks) is the live one, shared with any live session of that model.
 
+#include "FrameHealth.h"
 #include "LidarRecords.h"
 
 #include <QByteArray>
@@ -21,6 +22,9 @@ namespace lidar {
 class LiveStreamFrames {
 public:
     using FrameSink = std::function<void(LidarDataPoint_V4& frame)>;
+    // Hears each frame's health just before the sink gets the frame, with
+    // the stream's totals at that moment.
+    using HealthSink = std::function<void(const FrameHealth& health, const StreamTotals& totals)>;
 
     // Null for a model the registry does not know.
     static std::unique_ptr<LiveStreamFrames> create(const QString& model, FrameSink sink);
@@ -31,17 +35,23 @@ public:
     // overrides it, as live.
     void setVersionNumber(uint32_t version);
 
-    // Bytes as one read from the link would deliver them; every frame they
-    // complete goes to the sink before this returns.
-    void feed(const QByteArray& bytes);
+    void setHealthSink(HealthSink sink) { healthSink_ = std::move(sink); }
+
+    // Bytes as one read from the link would deliver them, which arrived at
+    // `arrivalNs` (0: unknown); every frame they complete goes to the sink
+    // before this returns.
+    void feed(const QByteArray& bytes, qint64 arrivalNs = 0);
 
     qint64 frames() const { return frames_; }
+    // The stream's totals so far: packets, rejected pieces, skipped bytes...
+    StreamTotals totals() const;
 
 private:
     LiveStreamFrames(std::unique_ptr<LidarAnalysis> session, FrameSink sink);
 
     std::unique_ptr<LidarAnalysis> session_;
     FrameSink sink_;
+    HealthSink healthSink_;
     qint64 frames_ = 0;
 };
 

@@ -9,6 +9,7 @@
 // what lets a long recording be decoded from the middle.
 
 #include "DecodeCommon.h"
+#include "FrameHealth.h"
 #include "LidarRecords.h"
 
 #include <QByteArray>
@@ -29,6 +30,12 @@ public:
     // One recorded packet: the frames it completes are appended. False when
     // the packet ends the parse: nothing after it is decoded.
     virtual bool add(const QByteArray& packet, QVector<LidarDataPoint_V4>& frames) = 0;
+    // The health of the frames the last add() completed, one for each, in order.
+    virtual const std::vector<FrameHealth>& frameHealth() const = 0;
+    // Totals since the parse began: data packets decoded, elements refused
+    // (skipped, or ending the parse), frames whole and incomplete. A
+    // recording holds whole packets only: no skipped bytes, no replies.
+    virtual StreamTotals totals() const = 0;
 };
 
 // Held while a model's process-wide parser is used or copied, so that the
@@ -57,7 +64,21 @@ public:
     void setPrefix(const QVector<QByteArray>& prefix) override { Model::SetRecordPrefix(state_, prefix); }
     bool add(const QByteArray& packet, QVector<LidarDataPoint_V4>& frames) override
     {
-        return Model::AddRecordedPacket(state_, packet, frames);
+        decode::OfflineFrames<decltype(state_.frames.previous)>& shared = state_.frames;
+        if (!shared.completed.empty())
+            shared.completed.clear();
+        const quint64 decoded = shared.accounting.packetsPlaced();
+        const bool goesOn = Model::AddRecordedPacket(state_, packet, frames);
+        if (shared.accounting.packetsPlaced() == decoded)
+            ++shared.totals.rejectedPackets;
+        return goesOn;
+    }
+    const std::vector<FrameHealth>& frameHealth() const override { return state_.frames.completed; }
+    StreamTotals totals() const override
+    {
+        StreamTotals totals = state_.frames.totals;
+        totals.packets = state_.frames.accounting.packetsPlaced();
+        return totals;
     }
 
     // The one the registered parse functions use, for the life of the process.

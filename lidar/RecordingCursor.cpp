@@ -96,6 +96,10 @@ bool RecordingCursor::readPacket()
             observer_(packet_);
     } while (ended_);
     ended_ = !parser_->add(packet_, waiting_);
+    if (waiting_.isEmpty())
+        waitingHealth_.clear();
+    else
+        waitingHealth_ = parser_->frameHealth();
     completed_ += waiting_.size();
     return true;
 }
@@ -106,6 +110,8 @@ bool RecordingCursor::next(LidarDataPoint_V4& frame)
         if (!readPacket())
             return false;
     }
+    // A parser that keeps no health leaves the record empty.
+    health_ = size_t(taken_) < waitingHealth_.size() ? waitingHealth_[size_t(taken_)] : FrameHealth();
     frame = std::move(waiting_[taken_++]);
     return true;
 }

@@ -8,6 +8,7 @@
 // given from there on. Memory stays bounded by a piece of the file and the
 // frames one packet completes, whatever the recording's length.
 
+#include "FrameHealth.h"
 #include "LidarRecords.h"
 #include "OfflineParser.h"
 #include "RecordReader.h"
@@ -63,6 +64,10 @@ public:
     // The next frame in order. False at the end of the packets, at damage
     // (problem() Damaged) or once a packet ended the parse (ended()).
     bool next(LidarDataPoint_V4& frame);
+    // The health of the frame next() gave last.
+    const FrameHealth& frameHealth() const { return health_; }
+    // The recording's totals so far (OfflineParser::totals); empty before start().
+    StreamTotals totals() const { return parser_ ? parser_->totals() : StreamTotals(); }
     // Number of the frame next() gives next, counted from the file's start.
     qint64 nextFrameNumber() const { return completed_ - (waiting_.size() - taken_); }
     // The place after the last packet read and the state there.
@@ -96,6 +101,8 @@ private:
     std::unique_ptr<OfflineParser> parser_;
     PacketObserver observer_;
     QVector<LidarDataPoint_V4> waiting_;  // completed by the last packet
+    std::vector<FrameHealth> waitingHealth_;  // theirs
+    FrameHealth health_;
     int taken_ = 0;                       // of them already given out
     qint64 completed_ = 0;                // frames the parser has completed
     qint64 packets_ = 0;

@@ -35,6 +35,7 @@ void RecordingIndexer::run()
     qint64 frames = 0;
     LidarDataPoint_V4 frame;
     while (!stopRequested_.load(std::memory_order_relaxed) && cursor.next(frame)) {
+        index_->health().append(cursor.frameHealth());
         if (observer_)
             observer_(frames, frame);
         ++frames;

@@ -55,6 +55,10 @@ public:
     qint64 position() const { return cursor_.position(); }
     // Packets read so far (elements after the name and version).
     qint64 packets() const { return cursor_.packetsRead(); }
+    // The health of the frame last handed to the sink, and the recording's
+    // health totals so far.
+    const FrameHealth& frameHealth() const { return cursor_.frameHealth(); }
+    StreamTotals totals() const { return cursor_.totals(); }
 
 private:
     RecordingCursor cursor_;

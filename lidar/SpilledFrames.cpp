@@ -91,9 +91,49 @@ bool SpilledFrames::decode(const QByteArray& bytes, LidarDataPoint_V4& out)
     return at == bytes.size();
 }
 
-bool SpilledFrames::append(const LidarDataPoint_V4& frame)
+QByteArray SpilledFrames::encodeHealth(const FrameHealth& health)
 {
-    const QByteArray bytes = encode(frame);
+    QByteArray out;
+    put(out, health.packets);
+    put(out, health.missingPackets);
+    put(out, health.coverage);
+    put(out, health.points);
+    put(out, health.returns);
+    put(out, health.periodMs);
+    put(out, health.motorSpeed);
+    put(out, int32_t(health.gaps.size()));
+    for (const AngularGap& gap : health.gaps) {
+        put(out, gap.start);
+        put(out, gap.end);
+    }
+    return out;
+}
+
+bool SpilledFrames::decodeHealth(const QByteArray& bytes, FrameHealth& out)
+{
+    int at = 0;
+    int32_t gaps = 0;
+    FrameHealth h;
+    if (!take(bytes, at, h.packets) || !take(bytes, at, h.missingPackets) || !take(bytes, at, h.coverage)
+        || !take(bytes, at, h.points) || !take(bytes, at, h.returns) || !take(bytes, at, h.periodMs)
+        || !take(bytes, at, h.motorSpeed) || !take(bytes, at, gaps) || gaps < 0)
+        return false;
+    for (int32_t i = 0; i < gaps; ++i) {
+        AngularGap gap;
+        if (!take(bytes, at, gap.start) || !take(bytes, at, gap.end))
+            return false;
+        h.gaps.append(gap);
+    }
+    out = std::move(h);
+    return at == bytes.size();
+}
+
+bool SpilledFrames::append(const LidarDataPoint_V4& frame, const FrameHealth& health)
+{
+    // The frame, its health, and the health's length last.
+    const QByteArray healthBytes = encodeHealth(health);
+    QByteArray bytes = encode(frame) + healthBytes;
+    put(bytes, int32_t(healthBytes.size()));
     // Written through at once, so that the reader's handle finds it.
     if (writer_.write(bytes) != bytes.size() || !writer_.flush()) {
         std::lock_guard<std::mutex> lock(mutex_);
@@ -111,7 +151,7 @@ qint64 SpilledFrames::count() const
     return qint64(ends_.size());
 }
 
-bool SpilledFrames::read(qint64 number, LidarDataPoint_V4& out)
+bool SpilledFrames::read(qint64 number, LidarDataPoint_V4& out, FrameHealth* health)
 {
     qint64 begin = 0, end = 0;
     {
@@ -124,7 +164,15 @@ bool SpilledFrames::read(qint64 number, LidarDataPoint_V4& out)
     if (!reader_.seek(begin))
         return false;
     const QByteArray bytes = reader_.read(end - begin);
-    return bytes.size() == end - begin && decode(bytes, out);
+    int32_t healthSize = 0;
+    int at = bytes.size() - int(sizeof healthSize);
+    if (bytes.size() != end - begin || !take(bytes, at, healthSize) || healthSize < 0
+        || healthSize > bytes.size() - int(sizeof healthSize))
+        return false;
+    const int frameSize = bytes.size() - int(sizeof healthSize) - healthSize;
+    if (health && !decodeHealth(bytes.mid(frameSize, healthSize), *health))
+        return false;
+    return decode(bytes.left(frameSize), out);
 }
 
 }  // namespace lidar

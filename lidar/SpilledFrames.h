@@ -7,6 +7,7 @@
 // when shown. A frame reads back exactly as it was written. One thread
 // appends while another reads.
 
+#include "FrameHealth.h"
 #include "LidarRecords.h"
 
 #include <QFile>
@@ -23,15 +24,19 @@ public:
     bool open();
     QString errorString() const;
 
-    // Appends a frame; false when it cannot be written (a full disk).
-    bool append(const LidarDataPoint_V4& frame);
+    // Appends a frame and its health; false when it cannot be written (a
+    // full disk).
+    bool append(const LidarDataPoint_V4& frame, const FrameHealth& health = FrameHealth());
     qint64 count() const;
-    // Frame `number`, below count().
-    bool read(qint64 number, LidarDataPoint_V4& out);
+    // Frame `number`, below count(), and its health when `health` is given.
+    bool read(qint64 number, LidarDataPoint_V4& out, FrameHealth* health = nullptr);
 
     // The bytes of one frame, and back.
     static QByteArray encode(const LidarDataPoint_V4& frame);
     static bool decode(const QByteArray& bytes, LidarDataPoint_V4& out);
+    // The bytes of one health record, and back.
+    static QByteArray encodeHealth(const FrameHealth& health);
+    static bool decodeHealth(const QByteArray& bytes, FrameHealth& out);
 
 private:
     QTemporaryFile writer_;

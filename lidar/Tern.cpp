@@ -47,11 +47,12 @@ void Tern::DecodeReply(Bytes reply, LidarParam& param)
 
 void Tern::ParseLidarData()
 {
-    tern::parseStream(receiveBuffer, kPacketSize, kReplySize, [this](Bytes piece) {
+    tern::parseStream(receiveBuffer, streamCounters, kPacketSize, kReplySize, [this](Bytes piece) {
         if (piece.size == kPacketSize) {
             recordPacket(piece.data, piece.size);
             DecodePacket(piece, decoded_);
-            placePoints<float>(decoded_, currentFrame, lastFrame, previousAzimuth, [this] { finishFrame(); });
+            placePoints<float>(decoded_, currentFrame, lastFrame, previousAzimuth, frameAccounting,
+                              [this] { finishFrame(); });
         } else if (piece.size == kReplySize) {
             takeReply([piece](LidarParam& p) { DecodeReply(piece, p); });
         }

@@ -104,6 +104,16 @@ int readWords(WordEncoding e, const uchar* words, int wordCount, int dropped, in
     return count;
 }
 
+// Points with a distance above 0: one pass over the packed distances, which
+// the compiler does several at a time.
+int32_t countReturns(const int32_t* distances, int count)
+{
+    int32_t returns = 0;
+    for (int i = 0; i < count; ++i)
+        returns += distances[i] > 0 ? 1 : 0;
+    return returns;
+}
+
 }  // namespace
 
 void decodeBody(decode::Bytes packet, int angleOffset, int wordsOffset, int wordCount, WordEncoding encoding,
@@ -124,10 +134,12 @@ void decodeBody(decode::Bytes packet, int angleOffset, int wordsOffset, int word
     }
     const auto* words = reinterpret_cast<const uchar*>(packet.data + wordsOffset);
     const int count = readWords(encoding, words, wordCount, dropped, distances.data(), intensities.data());
+    out.returns = countReturns(distances.data(), count);
+    const uint16_t code = be16(packet, angleOffset);
+    out.cover = packetcover::tern(code);
     out.resize(size_t(count), true);
     if (count == 0)
         return;
-    const uint16_t code = be16(packet, angleOffset);
     const decode::PacketAngles<float>& angles =
         decode::PacketAngleTable<float, 0>::forThisThread().lookUp(code, uint32_t(count), [&](std::vector<float>& a) {
             const float start = static_cast<float>(code / 100.0);
@@ -303,6 +315,7 @@ uint64_t applyCalendar(decode::DecodedPacket& packet, const CalendarTime& t, uin
     packet.hasDateTime = true;
     packet.dateTimeLength = formatDateTime(t, packet.dateTime, sizeof packet.dateTime);
     const uint64_t now = packetTimeNs(t);
+    packet.timeNs = now;
     stampPoints(packet, now, previousNs);
     return now;
 }

@@ -6,6 +6,7 @@
 
 #include "DecodeCommon.h"
 #include "LidarAnalysis.h"
+#include "StreamCounters.h"
 
 #include <QByteArray>
 #include <QString>
@@ -36,12 +37,15 @@ Cut cutPiece(decode::Bytes bytes, int from, int fallbackLength);
 // The live loop of every Tern model: while the buffer holds a header with a
 // piece behind it, cut the piece and hand it to `handle`, which takes data
 // packets and replies and passes over anything else; then drop what was
-// consumed and what cannot become a piece (see keepUnconsumed).
+// consumed and what cannot become a piece (see keepUnconsumed). `counters`
+// hear of the pieces passed over (rejected) and of the bytes dropped outside
+// any piece (skipped): junk before a header, and what keepUnconsumed drops.
 template <typename Handle>
-void parseStream(QByteArray& buffer, int minimumSize, int fallbackLength, Handle&& handle)
+void parseStream(QByteArray& buffer, StreamCounters& counters, int minimumSize, int fallbackLength,
+                 Handle&& handle)
 {
     if (buffer.size() < minimumSize) {
-        decode::keepUnconsumed(buffer, 0, kMaxPending);
+        counters.addSkipped(quint64(decode::keepUnconsumed(buffer, 0, kMaxPending)));
         return;
     }
     int used = 0;
@@ -53,11 +57,16 @@ void parseStream(QByteArray& buffer, int minimumSize, int fallbackLength, Handle
             const Cut cut = cutPiece(bytes, used, fallbackLength);
             if (!cut.found())
                 break;
+            // Counted in stream order: a frame's totals hold what came before it.
+            counters.addSkipped(quint64(cut.start - used));
             used = cut.next;
+            const quint64 taken = counters.taken();
             handle(decode::Bytes(bytes.data + cut.start, cut.size));
+            if (counters.taken() == taken)
+                counters.addRejected(1);
         }
     }
-    decode::keepUnconsumed(buffer, used, kMaxPending);
+    counters.addSkipped(quint64(decode::keepUnconsumed(buffer, used, kMaxPending) - used));
 }
 
 // Whether the 16-bit length field at offset 2 equals the piece's length.

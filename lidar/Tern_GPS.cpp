@@ -46,12 +46,13 @@ tern::CalendarTime Tern_GPS::DecodePacket(Bytes packet, DecodedPacket& out)
 
 void Tern_GPS::ParseLidarData()
 {
-    tern::parseStream(receiveBuffer, kPacketSize, kReplySize, [this](Bytes piece) {
+    tern::parseStream(receiveBuffer, streamCounters, kPacketSize, kReplySize, [this](Bytes piece) {
         if (piece.size == kPacketSize) {
             recordPacket(piece.data, piece.size);
             const tern::CalendarTime time = DecodePacket(piece, decoded_);
             emit SendGPSTimeData(packetClock.apply(decoded_, time));
-            placePoints<float>(decoded_, currentFrame, lastFrame, previousAzimuth, [this] { finishFrame(); });
+            placePoints<float>(decoded_, currentFrame, lastFrame, previousAzimuth, frameAccounting,
+                              [this] { finishFrame(); });
         } else if (piece.size == kReplySize) {
             // The same bytes as Tern's, at 175..181.
             takeReply([piece](LidarParam& p) { Tern::DecodeReply(piece, p); });

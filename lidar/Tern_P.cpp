@@ -48,12 +48,13 @@ uint32_t Tern_P::DecodeReply(Bytes reply, LidarParam& param)
 void Tern_P::ParseLidarData()
 {
     // No fallback length: without a trailer the piece waits for more bytes.
-    tern::parseStream(receiveBuffer, kMinimumBuffer, 0, [this](Bytes piece) {
+    tern::parseStream(receiveBuffer, streamCounters, kMinimumBuffer, 0, [this](Bytes piece) {
         if (tern::isVariableDataPacket(piece)) {
             recordPacket(piece.data, piece.size);
             const tern::CalendarTime time = DecodePacket(piece, versionNumber.load(), decoded_);
             emit SendGPSTimeData(packetClock.apply(decoded_, time));
-            placePoints<float>(decoded_, currentFrame, lastFrame, previousAzimuth, [this] { finishFrame(); });
+            placePoints<float>(decoded_, currentFrame, lastFrame, previousAzimuth, frameAccounting,
+                              [this] { finishFrame(); });
         } else if (piece.size == kReplySize) {
             takeReply([this, piece](LidarParam& p) { versionNumber = DecodeReply(piece, p); });
         }

@@ -48,12 +48,13 @@ void Tern_Plus::DecodeReply(Bytes reply, LidarParam& param)
 
 void Tern_Plus::ParseLidarData()
 {
-    tern::parseStream(receiveBuffer, kMinimumBuffer, 0, [this](Bytes piece) {
+    tern::parseStream(receiveBuffer, streamCounters, kMinimumBuffer, 0, [this](Bytes piece) {
         if (tern::isVariableDataPacket(piece)) {
             recordPacket(piece.data, piece.size);
             const tern::CalendarTime time = DecodePacket(piece, decoded_);
             emit SendGPSTimeData(packetClock.apply(decoded_, time));
-            placePoints<float>(decoded_, currentFrame, lastFrame, previousAzimuth, [this] { finishFrame(); });
+            placePoints<float>(decoded_, currentFrame, lastFrame, previousAzimuth, frameAccounting,
+                              [this] { finishFrame(); });
         } else if (piece.size == kReplySize) {
             takeReply([piece](LidarParam& p) { DecodeReply(piece, p); });
         }

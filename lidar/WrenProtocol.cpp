@@ -32,8 +32,10 @@ Piece cutPiece(decode::Bytes bytes, int& used, int packetSize, uint8_t packetTyp
         return Piece::None;
     used = bytes.size;
     // Neither a packet nor a reply: start again from fresh bytes.
-    if (u8(bytes, header + 186) != 0xFA || u8(bytes, header + 187) != 0xFB)
-        return Piece::None;
+    if (u8(bytes, header + 186) != 0xFA || u8(bytes, header + 187) != 0xFB) {
+        piece = decode::Bytes(bytes.data + header, packetSize);
+        return Piece::Refused;
+    }
     piece = decode::Bytes(bytes.data + header, kReplySize);
     return Piece::Reply;
 }

@@ -11,6 +11,8 @@
 
 #include "DecodeCommon.h"
 #include "LidarAnalysis.h"
+#include "ModelGeometry.h"
+#include "StreamCounters.h"
 
 #include <QByteArray>
 #include <QVector>
@@ -33,26 +35,37 @@ constexpr int kMaxPending = 2048;
 // The sum of the packet's bytes before its last, modulo 256, equals the last.
 bool checksumMatches(decode::Bytes bytes, int offset, int packetSize);
 
-enum class Piece { None, DataPacket, Reply };
+enum class Piece { None, DataPacket, Reply, Refused };
 
 // What lies at the first header at or after `from`:
 // - a data packet of `packetSize` bytes whose checksum and type byte (at 2)
 //   are right: it is consumed with everything before it;
 // - otherwise a reply, 188 bytes with FA FB at 186: the whole buffer is
 //   consumed, whatever followed the reply included;
-// - 188 bytes from the header without FA FB at 186: the whole buffer is
-//   consumed to find the stream again (None);
+// - 188 bytes from the header without FA FB at 186: the packet-sized piece
+//   at the header is refused and the whole buffer is consumed to find the
+//   stream again (Refused);
 // - a packet or reply not yet complete, or no header: nothing more is
 //   consumed (None).
-// `used` moves on past what is consumed; `piece` is where the packet or
-// reply lies.
+// `used` moves on past what is consumed; `piece` is where the packet, reply
+// or refused piece lies.
 Piece cutPiece(decode::Bytes bytes, int& used, int packetSize, uint8_t packetType, decode::Bytes& piece);
+
+// The degrees a data packet covers, from its start (at 5) and end (three
+// bytes before its end) angles.
+inline PacketCover packetCover(decode::Bytes packet, int packetSize)
+{
+    return packetcover::wren(decode::be16(packet, 5), decode::be16(packet, packetSize - 3));
+}
 
 // The live loop of both Wren models: data packets go to `onData` in order, a
 // reply to `onReply`; then what was consumed, and what can never become a
-// packet, is dropped from the buffer (see keepUnconsumed).
+// packet, is dropped from the buffer (see keepUnconsumed). `counters` hear
+// of refused pieces (rejected) and of every other byte consumed outside a
+// packet or reply (skipped).
 template <typename OnData, typename OnReply>
-void parseStream(QByteArray& buffer, int packetSize, uint8_t packetType, OnData&& onData, OnReply&& onReply)
+void parseStream(QByteArray& buffer, StreamCounters& counters, int packetSize, uint8_t packetType,
+                 OnData&& onData, OnReply&& onReply)
 {
     int used = 0;
     {
@@ -61,7 +74,13 @@ void parseStream(QByteArray& buffer, int packetSize, uint8_t packetType, OnData&
         const decode::Bytes bytes(held);
         decode::Bytes piece;
         for (bool more = true; more;) {
-            switch (cutPiece(bytes, used, packetSize, packetType, piece)) {
+            const int from = used;
+            const Piece kind = cutPiece(bytes, used, packetSize, packetType, piece);
+            // Consumed: what lies outside the piece was passed over. Counted
+            // in stream order: a frame's totals hold what came before it.
+            if (kind != Piece::None)
+                counters.addSkipped(quint64((used - from) - piece.size));
+            switch (kind) {
             case Piece::DataPacket:
                 onData(piece);
                 break;
@@ -69,13 +88,17 @@ void parseStream(QByteArray& buffer, int packetSize, uint8_t packetType, OnData&
                 onReply(piece);
                 more = false;  // everything is consumed now
                 break;
+            case Piece::Refused:
+                counters.addRejected(1);
+                more = false;
+                break;
             case Piece::None:
                 more = false;
                 break;
             }
         }
     }
-    decode::keepUnconsumed(buffer, used, kMaxPending);
+    counters.addSkipped(quint64(decode::keepUnconsumed(buffer, used, kMaxPending) - used));
 }
 
 // The offline rule of both Wren models for one recorded element: every
@@ -91,6 +114,7 @@ bool addRecorded(const QByteArray& packet, int packetSize, DecodePacket&& decode
         return true;
     decode::DecodedPacket& decoded = decode::scratchPacket();
     decodePacket(packet, decoded);
+    decoded.cover = packetCover(packet, packetSize);
     state.template place<Azimuth>(decoded, frames);
     return true;
 }

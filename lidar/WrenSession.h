@@ -23,12 +23,13 @@ public:
     {
         using Azimuth = std::remove_reference_t<decltype(Model::previousAzimuth)>;
         parseStream(
-            receiveBuffer, Model::kPacketSize, Model::kPacketType,
+            receiveBuffer, streamCounters, Model::kPacketSize, Model::kPacketType,
             [this](decode::Bytes packet) {
                 recordPacket(packet.data, packet.size);
                 Model::DecodePacket(packet, decoded_);
+                decoded_.cover = packetCover(packet, Model::kPacketSize);
                 decode::placePoints<Azimuth>(decoded_, currentFrame, lastFrame, Model::previousAzimuth,
-                                             [this] { finishFrame(); });
+                                             frameAccounting, [this] { finishFrame(); });
             },
             [this](decode::Bytes reply) { takeReply([reply](LidarParam& p) { decodeReply(reply, p); }); });
     }

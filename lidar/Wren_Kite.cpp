@@ -43,10 +43,14 @@ void Wren_Kite::DecodePacket(Bytes packet, DecodedPacket& out)
         wren::packetAngles<double>(be16(packet, kStartAngleAt), be16(packet, kEndAngleAt));
     // Every point is stored, under channel 0; its azimuths are doubles.
     out.resize(wren::kGroups, true);
+    int32_t returns = 0;
     for (size_t k = 0; k < size_t(wren::kGroups); ++k) {
         const int at = kGroupsAt + 3 * int(k);
-        setPoint(out, k, 0, angles.azimuths[k], be16(packet, at), u8(packet, at + 2), angles.trig[k]);
+        const int32_t distance = be16(packet, at);
+        setPoint(out, k, 0, angles.azimuths[k], distance, u8(packet, at + 2), angles.trig[k]);
+        returns += distance > 0 ? 1 : 0;
     }
+    out.returns = returns;
 }
 
 bool Wren_Kite::ParseRecordedBatch(const QVector<QByteArray>& packets, QVector<lidar::LidarDataPoint_V4>& frames)

@@ -45,6 +45,7 @@ void Wren_Plus::DecodePacket(Bytes packet, DecodedPacket& out)
         wren::packetAngles<float>(be16(packet, kStartAngleAt), be16(packet, kEndAngleAt));
     out.resize(2 * wren::kGroups, false);
     size_t i = 0;
+    int32_t returns = 0;
     for (int k = 0; k < wren::kGroups; ++k) {
         const float azimuth = angles.azimuths[size_t(k)];
         const SinCos& t = angles.trig[size_t(k)];
@@ -53,8 +54,10 @@ void Wren_Plus::DecodePacket(Bytes packet, DecodedPacket& out)
             const int32_t distance = be16(packet, at);
             setPoint(out, i, channel, azimuth, distance, u8(packet, at + 2), t);
             out.kept[i] = distance > 0;
+            returns += distance > 0 ? 1 : 0;
         }
     }
+    out.returns = returns;
 }
 
 bool Wren_Plus::ParseRecordedBatch(const QVector<QByteArray>& packets, QVector<lidar::LidarDataPoint_V4>& frames)

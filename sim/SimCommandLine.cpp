@@ -19,6 +19,7 @@ const char kDescription[] =
     "  scandeck-sim --model Tern_GPS --pty             prints the serial device path\n"
     "  scandeck-sim --model Tern_P --record rec.txt --revolutions 20\n"
     "  scandeck-sim --drop 0.01 --junk 0.01 --split    a damaged link\n"
+    "  scandeck-sim --drop 0.02 --corrupt 0.02 --log packets.txt   and what became of each packet\n"
     "  scandeck-sim --model Tern_GPS --gps-gap 50      a late GPS time stamp every few seconds\n"
     "\n"
     "A status line goes to stderr every second; SIGINT or SIGTERM ends the run.";
@@ -135,7 +136,9 @@ ParseOutcome parseCommandLine(const QStringList& arguments, SimCommandLine* out,
     const QCommandLineOption drop(QStringLiteral("drop"), QStringLiteral("Lose each packet with probability p."),
                                   QStringLiteral("p"), QStringLiteral("0"));
     const QCommandLineOption corrupt(QStringLiteral("corrupt"),
-                                     QStringLiteral("Flip bytes in each packet with probability p."),
+                                     QStringLiteral("Damage each packet with probability p so that its framing "
+                                                    "fails: a Tern-family packet loses a byte, a Wren-family "
+                                                    "packet fails its checksum."),
                                      QStringLiteral("p"), QStringLiteral("0"));
     const QCommandLineOption junk(QStringLiteral("junk"),
                                   QStringLiteral("Send random bytes before each packet with probability p."),
@@ -152,11 +155,16 @@ ParseOutcome parseCommandLine(const QStringList& arguments, SimCommandLine* out,
                                     QStringLiteral("Write a recording in ScanDeck's file format instead of "
                                                    "sending, then exit."),
                                     QStringLiteral("file"));
+    const QCommandLineOption log(QStringLiteral("log"),
+                                 QStringLiteral("Write one line per data packet to file: its revolution, its "
+                                                "place in it, its start angle, whether it was sent, dropped or "
+                                                "corrupted, and the junk bytes sent before it."),
+                                 QStringLiteral("file"));
     const QCommandLineOption revolutions(QStringLiteral("revolutions"),
                                          QStringLiteral("Revolutions to record (default 10)."), QStringLiteral("n"),
                                          QStringLiteral("10"));
     parser.addOptions({help, model, udp, commandPort, pty, rpm, fast, seed, filter, version, date, gpsStart, drop,
-                       corrupt, junk, split, gpsGap, seconds, record, revolutions});
+                       corrupt, junk, split, gpsGap, seconds, record, revolutions, log});
 
     if (!parser.parse(arguments)) {
         *message = parser.errorText();
@@ -232,6 +240,11 @@ ParseOutcome parseCommandLine(const QStringList& arguments, SimCommandLine* out,
         return fail(QStringLiteral("--revolutions wants a positive number"));
     if (parser.isSet(record) && c.recordFile.isEmpty())
         return fail(QStringLiteral("--record wants a file name"));
+    o.logFile = parser.value(log);
+    if (parser.isSet(log) && o.logFile.isEmpty())
+        return fail(QStringLiteral("--log wants a file name"));
+    if (parser.isSet(log) && parser.isSet(record))
+        return fail(QStringLiteral("--log logs what goes over a link; --record writes every packet"));
 
     *out = c;
     return ParseOutcome::Run;

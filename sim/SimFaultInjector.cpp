@@ -2,23 +2,36 @@
 
 namespace sim {
 
-FaultInjector::FaultInjector(const FaultOptions& options, uint64_t seed) : options_(options), random_(seed) {}
+FaultInjector::FaultInjector(const FaultOptions& options, uint64_t seed, Damage damage)
+    : options_(options), damage_(damage), random_(seed)
+{
+}
+
+void FaultInjector::damage(QByteArray& packet)
+{
+    // The header stays whole, so that the damaged packet is cut out and refused.
+    if (damage_ == Damage::LoseBodyByte && packet.size() > 4) {
+        packet.remove(random_.between(2, packet.size() - 3), 1);  // the trailer stays whole too
+    } else if (packet.size() > 2) {
+        const int at = random_.between(2, packet.size() - 1);
+        packet[at] = static_cast<char>(packet[at] ^ random_.between(1, 255));
+    }
+}
 
 QVector<QByteArray> FaultInjector::apply(const QByteArray& packet)
 {
     QVector<QByteArray> chunks;
+    fate_ = PacketFate();
     if (random_.chance(options_.drop)) {
         ++counters_.dropped;
+        fate_.kind = PacketFate::Kind::Dropped;
         return chunks;
     }
     QByteArray body = packet;
     if (!body.isEmpty() && random_.chance(options_.corrupt)) {
         ++counters_.corrupted;
-        const int flips = random_.between(1, 3);
-        for (int i = 0; i < flips; ++i) {
-            const int at = random_.between(0, body.size() - 1);
-            body[at] = static_cast<char>(body[at] ^ random_.between(1, 255));
-        }
+        fate_.kind = PacketFate::Kind::Corrupted;
+        damage(body);
     }
     QByteArray junk;
     if (random_.chance(options_.junk)) {
@@ -26,6 +39,7 @@ QVector<QByteArray> FaultInjector::apply(const QByteArray& packet)
         const int n = random_.between(1, 24);
         for (int i = 0; i < n; ++i)
             junk.append(static_cast<char>(random_.between(0, 255)));
+        fate_.junkBytes = n;
     }
 
     if (!options_.split) {

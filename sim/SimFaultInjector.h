@@ -1,6 +1,10 @@
 #pragma once
-// Damage done to the data stream on its way out: lost packets, flipped
-// bytes, random bytes between packets and packets cut across datagrams.
+// Damage done to the data stream on its way out: lost packets, damaged
+// packets, random bytes between packets and packets cut across datagrams.
+// A damaged packet is one the lidar's own framing catches: a Tern-family
+// packet (no checksum) loses a byte of its body, so its length is wrong; a
+// Wren-family packet has a byte after its header changed, so its checksum
+// fails. Bit flips no check can see would be believed by any decoder.
 
 #include "SimRandom.h"
 
@@ -12,7 +16,7 @@ namespace sim {
 
 struct FaultOptions {
     double drop = 0.0;     // probability that a packet is lost
-    double corrupt = 0.0;  // probability that a packet has bytes flipped
+    double corrupt = 0.0;  // probability that a packet is damaged
     double junk = 0.0;     // probability of random bytes before a packet
     bool split = false;    // cut every packet at a random point across two datagrams
 
@@ -25,9 +29,19 @@ struct FaultCounters {
     uint64_t junk = 0;
 };
 
+// What became of one packet.
+struct PacketFate {
+    enum class Kind { Sent, Dropped, Corrupted };
+    Kind kind = Kind::Sent;
+    int junkBytes = 0;  // random bytes sent just before it
+};
+
+// How a packet is damaged (see above).
+enum class Damage { LoseBodyByte, ChangeByte };
+
 class FaultInjector {
 public:
-    FaultInjector(const FaultOptions& options, uint64_t seed);
+    FaultInjector(const FaultOptions& options, uint64_t seed, Damage damage = Damage::ChangeByte);
 
     // The chunks (datagrams, or writes on a serial line) that carry `packet`
     // once the faults have struck; empty when it is lost. With splitting,
@@ -38,9 +52,15 @@ public:
     QByteArray flush();
 
     const FaultCounters& counters() const { return counters_; }
+    // The fate of the packet apply() was given last.
+    const PacketFate& lastFate() const { return fate_; }
 
 private:
+    void damage(QByteArray& packet);
+
     FaultOptions options_;
+    Damage damage_;
+    PacketFate fate_;
     Random random_;
     QByteArray carry_;
     FaultCounters counters_;

@@ -40,6 +40,8 @@ struct SimOptions {
     // revolution's first packet comes gpsGapMs late (0: never).
     double gpsGapMs = 0.0;
     double gpsGapEverySeconds = 3.0;
+    // Where the packet log goes (SimPacketLog.h); empty: no log.
+    QString logFile;
 };
 
 // The longest GPS gap the simulator injects: a minute.

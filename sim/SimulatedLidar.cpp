@@ -47,7 +47,8 @@ SimulatedLidar::SimulatedLidar(const SimOptions& options, QObject* parent)
       generator_(options.model, options.seed, startMicroseconds(options), options.firmware.versionNumber()),
       // The faults draw from their own sequence so that switching them on
       // does not change what the head measures.
-      faults_(options.faults, options.seed ^ 0x9E3779B97F4A7C15ull),
+      faults_(options.faults, options.seed ^ 0x9E3779B97F4A7C15ull,
+              familyOf(options.model) == Family::Tern ? Damage::LoseBodyByte : Damage::ChangeByte),
       state_(initialDeviceState(options.rpm, options.filter))
 {
     if (options.gpsGapMs > 0.0)
@@ -117,6 +118,13 @@ bool SimulatedLidar::start()
         return false;
     }
 
+    if (!options_.logFile.isEmpty() && !log_.isOpen()) {
+        QString error;
+        if (!log_.open(options_.logFile, &error)) {
+            setError(error);
+            return false;
+        }
+    }
     SimLink* link = nullptr;
     if (options_.transport == Transport::Udp)
         link = new UdpLink(resolvedLoopbackHost(options_.dataHost), options_.dataPort, options_.commandPort, this);
@@ -164,6 +172,7 @@ void SimulatedLidar::stop()
         delete link_;
         link_ = nullptr;
     }
+    log_.close();
     emit stopped();
 }
 
@@ -196,6 +205,8 @@ void SimulatedLidar::tick()
 
 void SimulatedLidar::sendDataPacket()
 {
+    const qint64 revolution = generator_.revolutions();
+    const int index = generator_.packetIndex();
     const QByteArray packet = generator_.nextPacket(deviceState());
     ++packets_;
     revolutions_ = quint64(generator_.revolutions());
@@ -203,6 +214,7 @@ void SimulatedLidar::sendDataPacket()
     for (const QByteArray& chunk : faults_.apply(packet))
         if (!link_->send(chunk))
             ++lineDrops_;
+    log_.write(revolution, index, index * generator_.layout().packetSpan, faults_.lastFate());
     const FaultCounters& c = faults_.counters();
     dropped_ = c.dropped;
     corrupted_ = c.corrupted;

@@ -9,6 +9,7 @@
 #include "SimDevice.h"
 #include "SimFaultInjector.h"
 #include "SimOptions.h"
+#include "SimPacketLog.h"
 #include "SimScanGenerator.h"
 
 #include <QElapsedTimer>
@@ -76,6 +77,7 @@ private:
     SimOptions options_;
     ScanGenerator generator_;
     FaultInjector faults_;
+    PacketLog log_;
     SimLink* link_ = nullptr;
     QTimer* timer_ = nullptr;
     QElapsedTimer clock_;

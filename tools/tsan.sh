@@ -7,8 +7,8 @@ set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 build=${SCANDECK_TSAN_BUILD:-$root/build-tsan}
 jobs=$(nproc 2>/dev/null || echo 2)
-tests=(tst_session tst_record_file tst_file_sync tst_frame_index tst_factory tst_decoder_conformance tst_model_decoders tst_cli
-       tst_sim_engine tst_sim_end_to_end)
+tests=(tst_session tst_record_file tst_file_sync tst_frame_index tst_frame_health tst_factory tst_decoder_conformance tst_model_decoders tst_cli
+       tst_sim_engine tst_sim_end_to_end tst_stream_health_cli)
 
 if [[ ! -f "$build/CMakeCache.txt" ]]; then
   cmake -S "$root" -B "$build" -DCMAKE_BUILD_TYPE=RelWithDebInfo -DSCANDECK_GUI=OFF \

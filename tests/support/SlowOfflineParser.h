@@ -33,6 +33,8 @@ public:
             QThread::usleep(us);
         return inner_->add(packet, frames);
     }
+    const std::vector<lidar::FrameHealth>& frameHealth() const override { return inner_->frameHealth(); }
+    lidar::StreamTotals totals() const override { return inner_->totals(); }
 
 private:
     std::unique_ptr<lidar::OfflineParser> inner_;
