@@ -5,6 +5,7 @@
 // packet format: after each read it calls the model's ParseLidarData().
 
 #include "LidarRecords.h"
+#include "ModelGeometry.h"
 #include "RateGate.h"
 #include "RecordingWriter.h"
 #include "RunOnThread.h"
@@ -60,6 +61,11 @@ public:
     // Packets and bytes the running recording has in its file so far; any thread.
     lidar::RecordingCounts recordingCounts() const { return recorder_.counts(); }
     LidarParam GetLidarParam();
+    // The scan geometry of the stream (ModelGeometry.h), read from the first
+    // data packet and again from every 256th, so that a new motor speed
+    // (a Wren's step follows it) shows within a second or so. Invalid until
+    // a data packet has come. Any thread.
+    lidar::ScanGeometry streamScanGeometry() const;
     void SetConnected(bool on);
     int GetConnectionType() const;
     void WaitDisconnect();
@@ -122,9 +128,13 @@ public:
     std::atomic<quint64> framesCompleted{0};
 
 protected:
-    // Appends a packet, exactly as cut, to the recording while one runs.
+    // Every data packet passes here exactly as cut: it goes to the
+    // recording while one runs, and now and then gives the stream's scan
+    // geometry.
     void recordPacket(const char* data, int size)
     {
+        if ((dataPackets_++ & kGeometryEvery) == 0)
+            noteScanGeometry(data, size);
         if (saving.load(std::memory_order_relaxed))
             recordPiece(data, size);
     }
@@ -170,10 +180,14 @@ private:
     bool startRecording(const QString& fileName);
     bool endRecording();
     void recordPiece(const char* data, int size);
+    void noteScanGeometry(const char* data, int size);
     void writeRecordingAfterArrival();
     void recordingFailed();
 
     lidar::RecordingWriter recorder_{saveFile};
     QElapsedTimer clock_;
     lidar::RateGate replyResends_{3, 500};
+    static constexpr uint32_t kGeometryEvery = 255;  // a mask: every 256th data packet
+    uint32_t dataPackets_ = 0;                       // the session's thread only
+    lidar::ScanGeometry streamGeometry_;             // under paramMutex
 };
