@@ -64,5 +64,6 @@ int runConvert(const QStringList& arguments);
 int runInfo(const QStringList& arguments);
 int runListen(const QStringList& arguments);
 int runRepair(const QStringList& arguments);
+int runStats(const QStringList& arguments);
 
 }  // namespace cli

@@ -1,4 +1,4 @@
-// scandeck-cli: converts, inspects and captures lidar data without a window.
+// scandeck-cli: converts, inspects, measures and captures lidar data without a window.
 
 #include "CliSupport.h"
 #include "LIdarFactory.h"
@@ -19,6 +19,10 @@ const char* const kUsage =
     "  info <recording|capture> [--model <Name>]\n"
     "          model, packets, frames, points and packet times of a recording\n"
     "          or a capture\n"
+    "  stats <recording|capture> [--start K] [--frames N] [-o <out.csv>] [--model <Name>]\n"
+    "        [--reference <ref.csv> [--tolerance CM] [--json]]\n"
+    "          range statistics per direction over frames of a recording or a\n"
+    "          capture as CSV; with a reference, each frame's change against it\n"
     "  repair <recording>\n"
     "          make a recording cut short by a crash readable again\n"
     "  listen --model <Name> (--udp <ip>:<port> [--lidar <ip>:<port>] | --serial <port> [--baud <n>])\n"
@@ -55,6 +59,8 @@ int run(const QStringList& arguments)
         return cli::runInfo(rest);
     if (command == QLatin1String("listen"))
         return cli::runListen(rest);
+    if (command == QLatin1String("stats"))
+        return cli::runStats(rest);
     if (command == QLatin1String("repair"))
         return cli::runRepair(rest);
     cli::printError(QStringLiteral("unknown command '%1' (see scandeck-cli --help)").arg(command));

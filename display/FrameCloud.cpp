@@ -1,5 +1,7 @@
 #include "FrameCloud.h"
 
+#include "ChangeColouring.h"
+
 #include <pcl/point_cloud.h>
 #include <pcl/point_types.h>
 
@@ -14,11 +16,17 @@ CloudFillResult fillCloud(const lidar::LidarDataPoint_V4& frame,
     CloudFillResult result;
     cloud.points.clear();
     cloud.points.reserve(frame.pointCount());
+    const std::vector<ChangeClass>* changes =
+        options.changeClasses && options.changeClasses->size() == frame.pointCount() ? options.changeClasses : nullptr;
+    size_t index = 0;
     for (auto line = frame.points.cbegin(); line != frame.points.cend(); ++line) {
         for (const lidar::LidarPoint& p : line.value()) {
+            const size_t at = index++;
             if (!inAngleRange(p.azimuth, options.minAngle, options.maxAngle))
                 continue;
-            const Rgb c = options.useFixedColour ? options.fixedColour : modeColour(options.colourMode, p);
+            const Rgb c = options.useFixedColour ? options.fixedColour
+                : changes                        ? changeColour((*changes)[at])
+                                                 : modeColour(options.colourMode, p);
             pcl::PointXYZRGB point(c.r, c.g, c.b);  // alpha 255, fourth coordinate 1
             point.x = p.x;
             point.y = p.y;

@@ -3,6 +3,7 @@
 // range decides which points are drawn, the colour mode (or a fixed colour)
 // colours them, and the first points drawn are reported as table rows.
 
+#include "ChangeComparison.h"
 #include "LidarRecords.h"
 #include "PclForward.h"
 #include "PointColouring.h"
@@ -19,6 +20,9 @@ struct CloudFillOptions {
     int colourMode = IntensityColours;
     bool useFixedColour = false;  // a named colour overrides the mode
     Rgb fixedColour;
+    // The Change colouring: one class per point of the frame (in ID and
+    // array order, drawn or not) colours it in place of the mode.
+    const std::vector<ChangeClass>* changeClasses = nullptr;
     int rowLimit = -1;            // rows to report across all IDs; -1 = every point
     bool trackDistances = false;  // the box readouts want the distance span
 };

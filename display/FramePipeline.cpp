@@ -14,7 +14,8 @@ using Cloud = pcl::PointCloud<pcl::PointXYZRGB>;
 // Fills `cloud` with the frame's drawn points; `rows` (when given) gets the
 // texts of the first `rowLimit` of them (-1: all).
 CloudFillResult fill(const lidar::LidarDataPoint_V4& frame, Cloud& cloud, const ViewSettings& settings,
-                     const Rgb* fixedColour, int rowLimit, QVector<QStringList>* rows)
+                     const Rgb* fixedColour, int rowLimit, QVector<QStringList>* rows,
+                     const std::vector<ChangeClass>* changes = nullptr)
 {
     CloudFillOptions options;
     options.minAngle = settings.minAngle;
@@ -23,6 +24,7 @@ CloudFillResult fill(const lidar::LidarDataPoint_V4& frame, Cloud& cloud, const 
     options.useFixedColour = fixedColour != nullptr;
     if (fixedColour)
         options.fixedColour = *fixedColour;
+    options.changeClasses = changes;
     options.rowLimit = rowLimit;
     options.trackDistances = fixedColour != nullptr;
     RowSink sink;
@@ -65,7 +67,17 @@ FrameView frameView(lidar::LidarDataPoint_V4 frame, const ViewSettings& settings
     // The box's rows take the table's place: the frame's are only made
     // when the box has no point to list.
     const bool listsFrame = !view.frame.points.isEmpty() && view.boxFrame.points.isEmpty();
-    fill(view.frame, *view.cloud, settings, nullptr, settings.tableRows, listsFrame ? &view.tableRows : nullptr);
+    ChangeComparison change;
+    if (settings.changeReference) {
+        ChangeOptions options;
+        options.toleranceM = settings.changeToleranceM;
+        options.minAngle = settings.minAngle;
+        options.maxAngle = settings.maxAngle;
+        change = compareWithReference(*settings.changeReference, view.frame, options);
+        view.change = change.summary;
+    }
+    fill(view.frame, *view.cloud, settings, nullptr, settings.tableRows, listsFrame ? &view.tableRows : nullptr,
+         settings.changeReference ? &change.classes : nullptr);
     view.tableChanges = listsFrame;
     fillBox(view, settings);
     return view;

@@ -2,9 +2,11 @@
 // What a frame becomes on the screen, worked out in one place and without
 // widgets: the frame and the view's settings go in; out come the rounded
 // frame, the points inside the box, the two coloured clouds the view draws,
-// the rows of the point table, the values of the readouts and the frame a
-// running CSV export writes. The window only hands these on.
+// the rows of the point table, the values of the readouts (the change
+// against a reference among them) and the frame a running CSV export
+// writes. The window only hands these on.
 
+#include "ChangeComparison.h"
 #include "FrameCloud.h"
 #include "LidarRecords.h"
 #include "PclForward.h"
@@ -24,6 +26,11 @@ struct ViewSettings {
     int colourMode = IntensityColours;
     int tableRows = 30;  // rows listed from the frame
     int precision = 2;   // decimals of the table's z, azimuth and distance
+    // The Change colouring: while a reference is set, the drawn points are
+    // coloured by their change against it (ChangeColouring.h) instead of by
+    // the colour mode, and FrameView::change sums the changes up.
+    std::shared_ptr<const ReferenceSweep> changeReference;
+    double changeToleranceM = ChangeOptions::kDefaultToleranceM;
 };
 
 // The extent of the box's drawn points, for the Δx, Δy and Δdistance readouts.
@@ -45,6 +52,9 @@ struct FrameView {
     bool tableChanges = false;
     QVector<QStringList> tableRows;
     SelectionReadout selection;  // meaningful while the box is in force
+    // The change readout over the drawn points (the angle range applies);
+    // nothing compared without a reference.
+    ChangeSummary change;
     bool boxActive = false;
     ViewSettings settings;  // what it was made with
 

@@ -26,6 +26,22 @@ LidarAnalysis::LidarAnalysis(QObject* parent) : QObject(parent)
 
 LidarAnalysis::~LidarAnalysis() = default;
 
+lidar::ScanGeometry LidarAnalysis::streamScanGeometry() const
+{
+    std::lock_guard<std::mutex> lock(paramMutex);
+    return streamGeometry_;
+}
+
+void LidarAnalysis::noteScanGeometry(const char* data, int size)
+{
+    const lidar::ScanGeometry geometry =
+        lidar::scanGeometry(QString::fromLatin1(metaObject()->className()), QByteArray::fromRawData(data, size));
+    if (!geometry.isValid())
+        return;
+    std::lock_guard<std::mutex> lock(paramMutex);
+    streamGeometry_ = geometry;
+}
+
 void LidarAnalysis::SetMotorFrequency(quint8) {}
 void LidarAnalysis::SetDeviceParam(quint8) {}
 void LidarAnalysis::SetLidarFilter(int) {}

@@ -7,6 +7,7 @@
 #include "FrameAccounting.h"
 #include "FrameHealth.h"
 #include "LidarRecords.h"
+#include "ModelGeometry.h"
 #include "RateGate.h"
 #include "RecordingWriter.h"
 #include "RunOnThread.h"
@@ -68,6 +69,11 @@ public:
     // played through a session gives its capture times.
     void setArrivalTime(quint64 ns) { frameAccounting.setArrivalNs(ns); }
     LidarParam GetLidarParam();
+    // The scan geometry of the stream (ModelGeometry.h), read from the first
+    // data packet and again from every 256th, so that a new motor speed
+    // (a Wren's step follows it) shows within a second or so. Invalid until
+    // a data packet has come. Any thread.
+    lidar::ScanGeometry streamScanGeometry() const;
     void SetConnected(bool on);
     int GetConnectionType() const;
     void WaitDisconnect();
@@ -138,10 +144,14 @@ public:
     lidar::StreamCounters streamCounters;
 
 protected:
-    // Appends a packet, exactly as cut, to the recording while one runs.
+    // Every data packet passes here exactly as cut: it goes to the
+    // recording while one runs, and now and then gives the stream's scan
+    // geometry.
     void recordPacket(const char* data, int size)
     {
         streamCounters.addPacket();
+        if ((dataPackets_++ & kGeometryEvery) == 0)
+            noteScanGeometry(data, size);
         if (saving.load(std::memory_order_relaxed))
             recordPiece(data, size);
     }
@@ -193,10 +203,14 @@ private:
     bool startRecording(const QString& fileName);
     bool endRecording();
     void recordPiece(const char* data, int size);
+    void noteScanGeometry(const char* data, int size);
     void writeRecordingAfterArrival();
     void recordingFailed();
 
     lidar::RecordingWriter recorder_{saveFile};
     QElapsedTimer clock_;
     lidar::RateGate replyResends_{3, 500};
+    static constexpr uint32_t kGeometryEvery = 255;  // a mask: every 256th data packet
+    uint32_t dataPackets_ = 0;                       // the session's thread only
+    lidar::ScanGeometry streamGeometry_;             // under paramMutex
 };
