@@ -288,19 +288,19 @@ void stampPoints(decode::DecodedPacket& packet, uint64_t nowNs, uint64_t previou
         return;
     const uint64_t dt = (nowNs - previousNs) / n;
     // Where no offset leaves 32 bits (the points of a packet span less than
-    // two seconds) the times rise by dt from point to point: the
-    // milliseconds are carried forward instead of divided out each time.
+    // two seconds) the times rise by dt from point to point, less than a
+    // millisecond each: the points of each millisecond are a run, found
+    // with one division per millisecond instead of one per point.
     if (dt < 1000000u && (n - 1) * dt <= uint64_t(INT32_MAX)) {
         const uint64_t first = nowNs - (n - 1) * dt;
         uint64_t ms = first / 1000000u;
-        uint64_t rest = first % 1000000u;
-        for (uint64_t i = 0; i < n; ++i) {
-            packet.points[i].timestamp = static_cast<int64_t>(ms);
-            rest += dt;
-            if (rest >= 1000000u) {
-                rest -= 1000000u;
-                ++ms;
-            }
+        uint64_t i = 0;
+        while (i < n) {
+            // The first point at or past the next millisecond.
+            const uint64_t next = dt == 0 ? n : std::min(n, ((ms + 1) * 1000000u - first + dt - 1) / dt);
+            for (; i < next; ++i)
+                packet.points[i].timestamp = static_cast<int64_t>(ms);
+            ++ms;
         }
         return;
     }

@@ -282,8 +282,9 @@ void WindowStatesTest::tableColumnsFitTheirContents()
         }
 }
 
-// At 1024x768 every combo box shows its longest item, and an export's
-// progress bar appearing changes neither the status bar nor the window.
+// At 1024x768 every combo box shows its longest item (the filter box with
+// a model's three modes among them), and an export's progress bar
+// appearing changes neither the status bar nor the window.
 void WindowStatesTest::smallScreenShowsWholeItemsAndKeepsItsLayout()
 {
     ScratchWorkingDir dir;
@@ -294,6 +295,10 @@ void WindowStatesTest::smallScreenShowsWholeItemsAndKeepsItsLayout()
     ScanDeck* w = window.get();
     w->setWindowState(Qt::WindowNoState);
     w->resize(1024, 768);
+    SimulatedLidarRig lidar;
+    QVERIFY(lidar.start(QStringLiteral("Tern"), sim::Transport::Udp));
+    QVERIFY(connectWindow(*w, QStringLiteral("Tern"), lidar));
+    QCOMPARE(control<QComboBox>(w, "comboBox_motor_filter")->count(), 3);
     auto* tabs = control<QTabWidget>(w, "tabWidget");
     for (int page = 0; page < tabs->count(); ++page) {
         tabs->setCurrentIndex(page);
