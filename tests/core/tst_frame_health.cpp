@@ -257,7 +257,8 @@ void FrameHealthTest::revolutionsLiveAndRecorded_data()
     QTest::addColumn<QString>("expected");  // frame | frame | frame
     using L = QVector<int>;
     for (const QString& model : kModels) {
-        const char* m = qPrintable(model);
+        const QByteArray name = model.toLatin1();
+        const char* m = name.constData();
         if (isWren(model)) {
             QTest::addRow("%s no packet missing", m) << model << "regular" << L{} << "45 0 | 45 0 | 45 0";
             QTest::addRow("%s lost first", m) << model << "regular" << L{45} << "45 0 | 44 1 0-8 | 45 0";
