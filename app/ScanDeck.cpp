@@ -206,7 +206,7 @@ void ScanDeck::initParts()
     m_networkTool = new NetworkToolLauncher(this);
     m_liveFrames = new LiveFrameQueue(this);
     auto* health = new StreamHealthView(this, {*m_viewer, render, m_status->link, m_liveFrames, ui->offline},
-        {ui->verticalLayout_view_tools, ui->btn_set_grid_polar, ui->horizontalLayout_tools, ui->btn_legend});
+                                        {ui->horizontalLayout_tools, ui->btn_legend});
     m_display->setOverlays({m_grid.get(), m_polar.get(), m_box.get(), m_ranging.get(), m_legend, health->gaps()});
     LiveControls::Window around;
     around.window = this;

@@ -65,7 +65,7 @@ QToolButton* toolButton(QWidget* parent, const char* name, const QIcon& icon)
 
 }  // namespace
 
-StreamHealthView::StreamHealthView(QMainWindow* window, Parts parts, Places places)
+StreamHealthView::StreamHealthView(QMainWindow* window, Parts parts, Place place)
     : QObject(window),
       m_window(window),
       m_parts(std::move(parts)),
@@ -83,8 +83,10 @@ StreamHealthView::StreamHealthView(QMainWindow* window, Parts parts, Places plac
     toggle->setIcon(chartIcon());
     m_dockButton->setDefaultAction(toggle);
     m_gapsButton->setCheckable(true);
-    places.viewTools->insertWidget(places.viewTools->indexOf(places.gapsAfter) + 1, m_gapsButton);
-    places.toolRow->insertWidget(places.toolRow->indexOf(places.dockAfter) + 1, m_dockButton);
+    // The view tools' column is full on a 768-pixel screen: both go into the row.
+    const int at = place.toolRow->indexOf(place.after) + 1;
+    place.toolRow->insertWidget(at, m_gapsButton);
+    place.toolRow->insertWidget(at + 1, m_dockButton);
     connect(m_gapsButton, &QToolButton::toggled, this, [this](bool on) { m_gaps.setOn(on); });
     m_gaps.setGapSource([this] { return m_nextGaps; });
     connect(m_parts.player, &OffinePlayWidget::SendFrameHealthSignal, this, &StreamHealthView::playerFrame);

@@ -37,16 +37,13 @@ public:
         LiveFrameQueue* liveFrames;
         OffinePlayWidget* player;
     };
-    // Where the toggles go: "Show gaps" into the view tools after
-    // `gapsAfter`, the dock's toggle into the tool row after `dockAfter`.
-    struct Places {
-        QBoxLayout* viewTools;
-        QWidget* gapsAfter;
+    // Where the two toggles go: into the view's tool row after `after`.
+    struct Place {
         QBoxLayout* toolRow;
-        QWidget* dockAfter;
+        QWidget* after;
     };
 
-    StreamHealthView(QMainWindow* window, Parts parts, Places places);
+    StreamHealthView(QMainWindow* window, Parts parts, Place place);
     ~StreamHealthView() override;
 
     // The live session to follow from now on; null after a disconnect.
