@@ -24,7 +24,7 @@ GPSTest::GPSTest(QWidget* parent) : QWidget(parent), ui(new Ui::GPSTest)
     m_charts = new GpsTimingCharts(this);
     ui->verticalLayout->addWidget(m_charts, 1);
     // The fields keep the form's width; the charts take what room there is.
-    resize(width(), height() + 360);
+    resize(width(), height() + 300);
     connect(ui->lineEdit_minimum, &QLineEdit::textChanged, this,
             [this](const QString& text) { m_minimum = boundFromText(text); });
     connect(ui->lineEdit_maxmum, &QLineEdit::textChanged, this,

@@ -69,7 +69,7 @@ QChart* chart(QLineSeries* line, QWidget* parent, QVBoxLayout* column)
     c->legend()->hide();
     c->setMargins(QMargins(2, 2, 2, 2));
     auto* view = new QChartView(c, parent);
-    view->setMinimumHeight(150);
+    view->setMinimumHeight(130);
     column->addWidget(view, 1);
     return c;
 }
