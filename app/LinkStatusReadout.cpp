@@ -11,6 +11,8 @@ QString oneDecimal(double value)
 
 // Own colours, so that the state stays clear without the style sheet too.
 const char* const kReceivingStyle = "QLabel { color: #1E7D32; padding: 0px 6px; }";
+const char* const kWarningStyle =
+    "QLabel { color: #000000; background-color: #F9A825; border-radius: 3px; padding: 0px 6px; }";
 const char* const kSilentStyle =
     "QLabel { color: #FFFFFF; background-color: #D93025; border-radius: 3px; padding: 0px 6px; }";
 
@@ -42,6 +44,7 @@ void LinkStatusReadout::unwatch()
     m_timer.stop();
     m_source = nullptr;
     m_status.stop();
+    m_warning.clear();
     clear();
     hide();
 }
@@ -52,6 +55,28 @@ void LinkStatusReadout::refresh()
         return;
     m_status.sample(m_source());
     showStatus();
+}
+
+void LinkStatusReadout::setHealthWarning(const QString& reason)
+{
+    if (reason == m_warning)
+        return;
+    m_warning = reason;
+    if (m_status.state() != LinkStatus::State::Disconnected)
+        showStatus();
+}
+
+LinkStatusReadout::Look LinkStatusReadout::look() const
+{
+    switch (m_status.state()) {
+    case LinkStatus::State::Disconnected:
+        return Look::Hidden;
+    case LinkStatus::State::Silent:
+        return Look::Red;
+    case LinkStatus::State::Receiving:
+        break;
+    }
+    return m_warning.isEmpty() ? Look::Green : Look::Amber;
 }
 
 QString LinkStatusReadout::describe(const LinkStatus& status, bool network)
@@ -75,14 +100,19 @@ QString LinkStatusReadout::describe(const LinkStatus& status, bool network)
 
 void LinkStatusReadout::showStatus()
 {
-    const bool silent = m_status.state() == LinkStatus::State::Silent;
-    const char* style = silent ? kSilentStyle : kReceivingStyle;
+    const Look shown = look();
+    const char* style = shown == Look::Red ? kSilentStyle : shown == Look::Amber ? kWarningStyle : kReceivingStyle;
     if (styleSheet() != QLatin1String(style))
         setStyleSheet(QLatin1String(style));
-    setText(describe(m_status, m_network));
-    setToolTip(tr("Link to the lidar: packets (over a serial port, kilobytes) and frames per second, and how long "
-                  "ago the last data arrived. frames/s counts the revolutions the lidar completes; the FPS figure "
-                  "in the view counts how often the view is drawn."));
+    const QString text = describe(m_status, m_network);
+    setText(shown == Look::Amber ? tr("%1 — %2").arg(text, m_warning) : text);
+    QString tip = tr("Link to the lidar: packets (over a serial port, kilobytes) and frames per second, and how long "
+                     "ago the last data arrived. frames/s counts the revolutions the lidar completes; the FPS figure "
+                     "in the view counts how often the view is drawn.");
+    if (shown == Look::Amber)
+        tip += QLatin1Char('\n') + tr("Amber: revolutions arrive incomplete or data is rejected. The Stream health "
+                                      "window shows the last minute.");
+    setToolTip(tip);
 }
 
 void LinkStatusReadout::changeEvent(QEvent* event)

@@ -69,6 +69,8 @@ void LiveControls::wireSession()
                                              [this](const QString& file) { m_window.fileSaved(file); });
     // Motor switch, filter and frequency boxes, and the GPS test window.
     m_device.bindSession(m_live.session());
+    if (m_window.watchSession)
+        m_window.watchSession(m_live.session());
 }
 
 // The session's running totals are atomics: read here while its thread counts.
@@ -166,6 +168,8 @@ void LiveControls::disconnect()
     m_playing = false;
     m_live.disconnect();
     m_status.link->unwatch();
+    if (m_window.watchSession)
+        m_window.watchSession(nullptr);
     applyState(false);
     LiveConnection::processEventsFor(LiveConnection::kDisconnectSettleMs);
     m_window.clearView();

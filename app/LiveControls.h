@@ -40,6 +40,8 @@ public:
         std::function<QString(const QString& proposed)> savePath;  // the recording's file
         std::function<void(const QString&)> warn;
         std::function<void(const QString&)> fileSaved;
+        // The session now live, and null after a disconnect (its health is watched).
+        std::function<void(const std::shared_ptr<LidarAnalysis>&)> watchSession;
     };
 
     LiveControls(Ui::ScanDeckClass& ui, Window window, WindowStatusBar& status, DeviceSettingsPanel& device,

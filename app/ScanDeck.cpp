@@ -19,6 +19,7 @@
 #include "RangingOverlay.h"
 #include "RecentFolder.h"
 #include "RenderRateTip.h"
+#include "StreamHealthView.h"
 #include "TableViewToolBar.h"
 #include "UserMessages.h"
 #include "ViewExportTools.h"
@@ -193,7 +194,6 @@ void ScanDeck::initParts()
         [this] { return m_pointSize; });
     m_ranging = std::make_unique<RangingOverlay>(*m_viewer, m_box->cloud());
     m_legend = new ColourLegendOverlay(ui->openGLWidget, ui->comboBox_color_mode);
-    m_display->setOverlays({m_grid.get(), m_polar.get(), m_box.get(), m_ranging.get(), m_legend});
 
     m_measure = std::make_unique<MeasureTools>(
         MeasureTools::Controls{ui->openGLWidget, ui->btn_point_cloud_select, ui->btn_ranging, ui->btn_resize_range,
@@ -205,6 +205,9 @@ void ScanDeck::initParts()
         {ui->btn_motor_state, ui->comboBox_motor_filter, ui->comboBox_motor_frequency, ui->btn_GPS_test}, this);
     m_networkTool = new NetworkToolLauncher(this);
     m_liveFrames = new LiveFrameQueue(this);
+    auto* health = new StreamHealthView(this, {*m_viewer, render, m_status->link, m_liveFrames, ui->offline},
+                                        {ui->horizontalLayout_tools, ui->btn_legend});
+    m_display->setOverlays({m_grid.get(), m_polar.get(), m_box.get(), m_ranging.get(), m_legend, health->gaps()});
     LiveControls::Window around;
     around.window = this;
     around.connector = this;
@@ -217,6 +220,7 @@ void ScanDeck::initParts()
     };
     around.warn = [this](const QString& message) { showWarning(message); };
     around.fileSaved = [this](const QString& file) { showFileSaved(file); };
+    around.watchSession = [health](const std::shared_ptr<LidarAnalysis>& session) { health->watch(session); };
     m_live = std::make_unique<LiveControls>(*ui, around, *m_status, *m_devicePanel, *m_liveFrames);
     // Nothing is connected yet: only the connect buttons are live.
     m_live->applyState(false);

@@ -18,6 +18,7 @@
 #include "MeasureTools.h"
 #include "NetworkToolLauncher.h"
 #include "OffinePlayWidget.h"
+#include "PlayerKeys.h"
 #include "RangingOverlay.h"
 #include "UserMessages.h"
 #include "ViewMotions.h"
@@ -86,7 +87,7 @@ void ScanDeck::wireSignals()
             [this](quint64 skipped) { m_status->showSkipped(skipped); });
 }
 
-// Space, the arrows, Home and End act on the recording when one is loaded,
+// Space, the arrows, Home, End and N act on the recording when one is loaded,
 // Space on the live display otherwise (a loaded recording and a live link
 // exclude each other).
 void ScanDeck::initShortcuts()
@@ -101,10 +102,7 @@ void ScanDeck::initShortcuts()
                  else if (ui->btn_play_pause->isEnabled())
                      ui->btn_play_pause->click();
              });
-    keys.add(Qt::Key_Left, QT_TRANSLATE_NOOP("KeyboardShortcuts", "Previous frame"), [player] { player->previousFrame(); });
-    keys.add(Qt::Key_Right, QT_TRANSLATE_NOOP("KeyboardShortcuts", "Next frame"), [player] { player->nextFrame(); });
-    keys.add(Qt::Key_Home, QT_TRANSLATE_NOOP("KeyboardShortcuts", "First frame"), [player] { player->firstFrame(); });
-    keys.add(Qt::Key_End, QT_TRANSLATE_NOOP("KeyboardShortcuts", "Last frame"), [player] { player->lastFrame(); });
+    addPlayerKeys(keys, player);
     keys.add(QKeySequence::Open, QT_TRANSLATE_NOOP("KeyboardShortcuts", "Open a recording"), [this, player] {
         ui->tabWidget->setCurrentWidget(ui->tab_offline);
         player->openIfAllowed();

@@ -1,5 +1,6 @@
 #include "GPSTest.h"
 
+#include "GpsTimingCharts.h"
 #include "ui_GPSTest.h"
 
 #include <QIcon>
@@ -20,7 +21,10 @@ GPSTest::GPSTest(QWidget* parent) : QWidget(parent), ui(new Ui::GPSTest)
 {
     ui->setupUi(this);
     setWindowIcon(QIcon(QStringLiteral(":/Draibaire/Resources/images/gps_test.png")));
-    setFixedSize(size());
+    m_charts = new GpsTimingCharts(this);
+    ui->verticalLayout->addWidget(m_charts, 1);
+    // The fields keep the form's width; the charts take what room there is.
+    resize(width(), height() + 300);
     connect(ui->lineEdit_minimum, &QLineEdit::textChanged, this,
             [this](const QString& text) { m_minimum = boundFromText(text); });
     connect(ui->lineEdit_maxmum, &QLineEdit::textChanged, this,
@@ -38,6 +42,8 @@ uint64_t GPSTest::intervalMs(uint64_t current, uint64_t previous)
 
 void GPSTest::SetData(lidar::GPSTime time)
 {
+    if (!m_paused)
+        m_charts->add(time.currentNs, time.previousNs);
     const uint64_t interval = intervalMs(time.currentNs, time.previousNs);
     if (m_minimum <= interval && interval <= m_maximum)
         return;

@@ -33,6 +33,12 @@ void GapsOverlay::setOn(bool on)
     m_render();
 }
 
+void GapsOverlay::frameShown(const display::FrameView& /*view*/)
+{
+    if (m_source)
+        showGaps(m_source());
+}
+
 void GapsOverlay::viewCleared()
 {
     m_gaps.clear();

@@ -16,11 +16,18 @@ public:
     static constexpr double kDefaultRadius = 10.0;
     static constexpr const char* kShapeId = "m_gaps";
 
+    using Gaps = QVector<QPair<double, double>>;
+    // The gaps of the frame about to be drawn.
+    using GapSource = std::function<Gaps()>;
+
     GapsOverlay(pcl::visualization::PCLVisualizer& viewer, std::function<void()> render);
 
     bool isOn() const override { return m_on; }
     void setOn(bool on) override;
+    void frameShown(const display::FrameView& view) override;
     void viewCleared() override;
+    // Where each frame shown takes its gaps from; none: they are given by showGaps.
+    void setGapSource(GapSource source) { m_source = std::move(source); }
 
     // The gaps of the frame now shown, [start, end] in degrees (the
     // lidar's azimuth: 0 along +y, 90 along +x); a span may cross 0.
@@ -34,6 +41,7 @@ private:
 
     pcl::visualization::PCLVisualizer& m_viewer;
     std::function<void()> m_render;
+    GapSource m_source;
     QVector<QPair<double, double>> m_gaps;
     double m_radius = kDefaultRadius;
     bool m_on = false;

@@ -5,6 +5,7 @@
 #include "FlowLayout.h"
 #include "IniSettings.h"
 #include "LIdarFactory.h"
+#include "PlayerHealth.h"
 #include "RecentFolder.h"
 #include "UserMessages.h"
 #include "ui_OffinePlayWidget.h"
@@ -54,6 +55,7 @@ OffinePlayWidget::OffinePlayWidget(QWidget* parent) : QWidget(parent), ui(new Ui
     indexProgress->hide();
     exportBagButton = new QPushButton(this);
     exportBagButton->setObjectName(QStringLiteral("btn_export_bag"));
+    health = std::make_unique<PlayerHealth>(ui->horizontalSlider, this);
     indexTimer = new QTimer(this);
     indexTimer->setInterval(kFollowIndexMs);
     connect(indexTimer, &QTimer::timeout, this, &OffinePlayWidget::followIndex);
@@ -84,8 +86,8 @@ void OffinePlayWidget::arrangeControls()
     flow->addWidget(FlowLayout::group(
         {ui->btn_open_file, ui->btn_last, ui->btn_play, ui->btn_next, ui->btn_circulation, ui->btn_stop}, this));
     flow->addWidget(FlowLayout::group({ui->label, ui->comboBox}, this));
-    flow->addWidget(FlowLayout::group({ui->horizontalSlider, ui->spinBox_progress, ui->label_maxNum, indexProgress},
-                                      this, true));
+    flow->addWidget(FlowLayout::group(
+        {health->sliderColumn(), ui->spinBox_progress, ui->label_maxNum, health->label(), indexProgress}, this, true));
     flow->addWidget(FlowLayout::group({ui->btn_table, ui->btn_export_csv, exportBagButton}, this));
 }
 
@@ -248,6 +250,7 @@ void OffinePlayWidget::loadSource(const QString& name, std::unique_ptr<PlayerFra
         CaptureModelDialog::lastChoice(chosenModel, bagSource.port);
     }
     unreadableReported = false;
+    health->setSource(frames_.get());
     indexing = true;
     followIndex();
     if (indexing)
@@ -269,6 +272,7 @@ void OffinePlayWidget::followIndex()
         } else if (final) {
             // Nothing in the whole file could be played.
             const QString refusal = frames_->refusal();
+            health->setSource(nullptr);
             frames_.reset();
             file.clear();
             indexing = false;
@@ -283,6 +287,7 @@ void OffinePlayWidget::followIndex()
         ui->spinBox_progress->setRange(1, count);
         ui->label_maxNum->setText(QStringLiteral("/") + QString::number(count));
     }
+    health->follow(count);
     if (final) {
         indexing = false;
         indexTimer->stop();
@@ -334,6 +339,9 @@ bool OffinePlayWidget::emitFrame(int index)
         }
         return false;
     }
+    lidar::FrameHealth frameHealth;
+    health->frameRead(*frames_, frameHealth);
+    emit SendFrameHealthSignal(frameHealth);
     emit SendLidarDataSignal(frame);
     return true;
 }
@@ -444,6 +452,20 @@ void OffinePlayWidget::lastFrame()
         showFrameAt(count);
 }
 
+void OffinePlayWidget::nextIncompleteFrame()
+{
+    const qint64 next = health->nextIncomplete(current - 1, count);
+    if (next >= 0)
+        showFrameAt(int(next) + 1);
+}
+
+void OffinePlayWidget::previousIncompleteFrame()
+{
+    const qint64 previous = health->previousIncomplete(current - 1);
+    if (previous >= 0)
+        showFrameAt(int(previous) + 1);
+}
+
 void OffinePlayWidget::openIfAllowed()
 {
     if (ui->btn_open_file->isEnabled())
@@ -507,6 +529,7 @@ void OffinePlayWidget::stop()
     file.clear();
     stopPlaybackTimer();
     indexTimer->stop();
+    health->setSource(nullptr);
     frames_.reset();  // stops the index and releases the file
     indexing = false;
     showIndexProgress();
@@ -518,6 +541,7 @@ void OffinePlayWidget::stop()
     setControlsLoaded(false);
     if (wasLoaded)
         emit SendPlaybackFileSignal(QString());
+    emit SendFrameHealthSignal(lidar::FrameHealth());
     emit SendLidarDataSignal(emptyFrame());
 }
 

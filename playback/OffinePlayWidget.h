@@ -17,6 +17,7 @@
 #include <QWidget>
 #include <functional>
 
+class PlayerHealth;
 class QProgressBar;
 class QPushButton;
 class QTimer;
@@ -84,6 +85,9 @@ public:
 
 signals:
     void SendLidarDataSignal(lidar::LidarDataPoint_V4 frame);
+    // The health of the frame SendLidarDataSignal sends next; a default
+    // (whole) one when the file keeps none, and as Stop empties the display.
+    void SendFrameHealthSignal(const lidar::FrameHealth& health);
     void SendLidarTypeSignal(QString name);
     void SendShowTableWidgetSignal(bool bShow);
     void SendExportCsvDataSianal(bool checked);
@@ -101,6 +105,10 @@ public slots:
     void nextFrame();
     void firstFrame();
     void lastFrame();
+    // The next / previous frame that came in with gaps (N, Shift+N); none
+    // further: the frame stays.
+    void nextIncompleteFrame();
+    void previousIncompleteFrame();
     // What the buttons do, unless they are disabled (keyboard shortcuts).
     void openIfAllowed();
     void toggleExportIfAllowed();
@@ -140,6 +148,7 @@ private:
     QProgressBar* indexProgress = nullptr;
     QPushButton* exportBagButton = nullptr;
     QTimer* indexTimer = nullptr;
+    std::unique_ptr<PlayerHealth> health;
 
     // The loaded file's frames (or the one being opened).
     std::unique_ptr<PlayerFrames> frames_;

@@ -43,8 +43,14 @@ public:
         const lidar::FrameIndex::Progress p = index_->progress();
         return p.outcome == lidar::FrameIndex::Outcome::Indexing ? permille(p.bytesRead, fileSize_) : 1000;
     }
-    bool frame(int index, lidar::LidarDataPoint_V4& out) override { return reader_.frame(index, out); }
+    bool frame(int index, lidar::LidarDataPoint_V4& out) override { return reader_.frame(index, out, &health_); }
     void readAhead(int index) override { reader_.readAhead(index); }
+    bool lastHealth(lidar::FrameHealth& out) const override
+    {
+        out = health_;
+        return true;
+    }
+    const lidar::HealthIndex* healthIndex() const override { return &index_->health(); }
     QString note() const override
     {
         if (index_->progress().outcome != lidar::FrameIndex::Outcome::CutShort || count() == 0)
@@ -60,6 +66,7 @@ private:
     QString path_;
     std::shared_ptr<lidar::FrameIndex> index_;
     lidar::IndexedFrameReader reader_;
+    lidar::FrameHealth health_;
     qint64 fileSize_;
     std::unique_ptr<lidar::RecordingIndexer> indexer_;  // stopped first when destroyed
 };
@@ -74,7 +81,16 @@ public:
     {
         return isFinal() ? 1000 : permille(indexer_->bytesRead(), indexer_->fileSize());
     }
-    bool frame(int index, lidar::LidarDataPoint_V4& out) override { return indexer_->frames().read(index, out); }
+    bool frame(int index, lidar::LidarDataPoint_V4& out) override
+    {
+        return indexer_->frames().read(index, out, &health_);
+    }
+    bool lastHealth(lidar::FrameHealth& out) const override
+    {
+        out = health_;
+        return true;
+    }
+    const lidar::HealthIndex* healthIndex() const override { return &indexer_->health(); }
     QString note() const override
     {
         if (!isFinal() || count() == 0)
@@ -89,6 +105,7 @@ public:
 
 private:
     std::unique_ptr<lidar::CaptureIndexer> indexer_;
+    lidar::FrameHealth health_;
 };
 
 }  // namespace

@@ -4,11 +4,16 @@
 // own; frames handed to loadFrames are held in memory. The player asks only
 // for the number of frames there are so far and for one frame at a time.
 
+#include "FrameHealth.h"
 #include "LidarRecords.h"
 
 #include <QString>
 #include <QVector>
 #include <memory>
+
+namespace lidar {
+class HealthIndex;
+}
 
 class PlayerFrames {
 public:
@@ -24,6 +29,12 @@ public:
     virtual bool frame(int index, lidar::LidarDataPoint_V4& out) = 0;
     // A frame about to be shown: decoded now, while there is time.
     virtual void readAhead(int /*index*/) {}
+    // The health of the frame frame() gave last; false when the source
+    // keeps none (frames parsed whole into memory).
+    virtual bool lastHealth(lidar::FrameHealth& /*out*/) const { return false; }
+    // The health of every frame indexed so far (it grows with count());
+    // null when the source keeps none.
+    virtual const lidar::HealthIndex* healthIndex() const { return nullptr; }
     // Once final: what the user should know about the file (damage,
     // skipped parts), empty when nothing; and why nothing can be played
     // when count() stays 0.

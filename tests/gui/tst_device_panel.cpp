@@ -4,11 +4,13 @@
 
 #include "DeviceSettingsPanel.h"
 #include "GPSTest.h"
+#include "GpsTimingCharts.h"
 #include "LoopbackLidar.h"
 #include "NetworkToolLauncher.h"
 #include "SwitchButton.h"
 
 #include <QComboBox>
+#include <algorithm>
 #include <QDir>
 #include <QLineEdit>
 #include <QMutex>
@@ -114,6 +116,7 @@ private slots:
     void gpsTest_data();
     void gpsTest();
     void networkTool();
+    void gpsChartsKeepAnOddPacket();
 };
 
 void DevicePanelTest::motorSwitch_data()
@@ -310,6 +313,43 @@ void DevicePanelTest::gpsTest()
     const QString second = QString("2024 5 20 12 34 2 999 0 %1 20 21 22 23 24 25 26 27 1716208496200")
                                .arg((qint64(base) + 200000000 + differenceNs) / 1000000);
     QCOMPARE(shownFields(gps), caught ? second : first);
+}
+
+// Thousands of stamps are drawn as a few hundred columns, each with its
+// lowest and highest value: one late packet still shows, and a steady
+// offset with its drift is told in text. The window charts normal pairs too.
+void DevicePanelTest::gpsChartsKeepAnOddPacket()
+{
+    qint64 now = qint64(1700000000) * 1000000000;
+    GpsTimingCharts charts(nullptr, [&now] { return now; });
+    QCOMPARE(charts.summary(), QString("No GPS time stamps yet"));
+    const qint64 offset = 2500000;  // the lidar 2.5 ms ahead
+    quint64 previous = 0;
+    for (int i = 0; i < 6000; ++i) {
+        now += i == 3000 ? 30000000 : 4167000;
+        const quint64 packet = quint64(now + offset);
+        charts.add(packet, previous);
+        previous = packet;
+    }
+    charts.redraw();
+    const QVector<QPointF> intervals = charts.intervalPoints();
+    QVERIFY(intervals.size() <= 2 * GpsTimingCharts::kColumns && intervals.size() > 100);
+    const auto highest = std::max_element(intervals.begin(), intervals.end(),
+                                          [](const QPointF& a, const QPointF& b) { return a.y() < b.y(); });
+    QCOMPARE(highest->y(), 30.0);
+    QCOMPARE(std::min_element(intervals.begin(), intervals.end(),
+                              [](const QPointF& a, const QPointF& b) { return a.y() < b.y(); })->y(), 4.167);
+    for (const QPointF& p : charts.offsetPoints())
+        QCOMPARE(p.y(), 0.0);
+    QCOMPARE(charts.summary(),
+             QString("Packet time minus computer time: 2.500 ms; drift over the last minute: 0.0 ppm"));
+
+    GPSTest gps;
+    const uint64_t base = 1716208496000000000ull;
+    gps.SetData(stamp(base, 5 * 1000000, 1));  // within the window: not shown in the fields, but charted
+    gps.SetData(stamp(base + 5000000, 5 * 1000000, 2));
+    QCOMPARE(gps.charts()->timing().samples().size(), size_t(2));
+    QCOMPARE(gps.charts()->timing().samples().back().intervalMs, 5.0);
 }
 
 void DevicePanelTest::networkTool()

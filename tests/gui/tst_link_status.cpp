@@ -1,6 +1,7 @@
 // The live link status on a clock the test moves by hand: rates over the
 // last second, silence after a second without a datagram and back when data
-// returns, a session that counts from zero again, and the readout's texts.
+// returns, a session that counts from zero again, and the readout's texts
+// and colours: green, amber with the stream's health warning, red when silent.
 
 #include "LinkStatusReadout.h"
 
@@ -26,6 +27,8 @@ private slots:
     void timeline();
     void readout_data();
     void readout();
+    void amberWhileUnsound_data();
+    void amberWhileUnsound();
 };
 
 void LinkStatusTest::timeline_data()
@@ -130,6 +133,55 @@ void LinkStatusTest::readout()
 
     readout.unwatch();
     QVERIFY(readout.isHidden() && readout.text().isEmpty());
+}
+
+void LinkStatusTest::amberWhileUnsound_data()
+{
+    QTest::addColumn<QString>("warning");
+    QTest::addColumn<qint64>("quietFor");
+    QTest::addColumn<QString>("look");
+    QTest::addColumn<QString>("text");
+    const QString rates = "100 packets/s, 10.0 frames/s, 0.0 s ago";
+    const QString gaps = "12 of the last 100 revolutions incomplete, worst gap 30° at 120–150°";
+    QTest::newRow("sound") << "" << qint64(0) << "green" << rates;
+    QTest::newRow("incomplete revolutions") << gaps << qint64(0) << "amber" << rates + " — " + gaps;
+    // Silence outweighs any warning about the data that did come.
+    QTest::newRow("silent with a warning") << gaps << qint64(1500) << "red" << "No data from the lidar for 1.5 s";
+}
+
+void LinkStatusTest::amberWhileUnsound()
+{
+    QFETCH(QString, warning);
+    QFETCH(qint64, quietFor);
+    QFETCH(QString, look);
+    QFETCH(QString, text);
+
+    qint64 now = 0;
+    LinkTotals totals;
+    LinkStatusReadout readout(nullptr, [&now] { return now; });
+    QCOMPARE(readout.look(), LinkStatusReadout::Look::Hidden);
+    readout.watch([&totals] { return totals; }, true);
+    for (int tick = 1; tick <= 10; ++tick) {
+        now = tick * 100;
+        totals = {totals.datagrams + 10, totals.bytes + 5000, totals.frames + 1};
+        readout.refresh();
+    }
+    readout.setHealthWarning(warning);
+    now += quietFor;
+    readout.refresh();
+    const QMap<QString, LinkStatusReadout::Look> looks{{"green", LinkStatusReadout::Look::Green},
+                                                        {"amber", LinkStatusReadout::Look::Amber},
+                                                        {"red", LinkStatusReadout::Look::Red}};
+    QCOMPARE(readout.look(), looks.value(look));
+    QCOMPARE(readout.text(), text);
+    QCOMPARE(readout.styleSheet().contains("#F9A825"), look == "amber");
+
+    // Whole again: green at once; a disconnect forgets the warning.
+    readout.setHealthWarning(QString());
+    QCOMPARE(readout.look(), quietFor > 0 ? LinkStatusReadout::Look::Red : LinkStatusReadout::Look::Green);
+    readout.setHealthWarning(warning);
+    readout.unwatch();
+    QVERIFY(readout.healthWarning().isEmpty() && readout.look() == LinkStatusReadout::Look::Hidden);
 }
 
 QTEST_MAIN(LinkStatusTest)

@@ -1,6 +1,7 @@
 // The offline player driven through its buttons.
 // Frames made here carry their 1-based number in motorSpeed.
 
+#include "IncompleteMarks.h"
 #include "LIdarFactory.h"
 #include "OffinePlayWidget.h"
 #include "PacketBuilders.h"
@@ -71,6 +72,9 @@ private slots:
     void playsWhileTheIndexGrows();
     void aRecordingCutShortPlaysWithANote();
     void exportsARangeToABag();
+    void healthBesideTheFrame_data();
+    void healthBesideTheFrame();
+    void jumpsToIncompleteFramesWhileIndexing();
 
 private:
     template <typename T>
@@ -360,6 +364,96 @@ void PlayerTest::exportsARangeToABag()
     QCOMPARE(messages.size(), 1);
     QVERIFY2(messages[0].startsWith("warning: File save failed!"), qPrintable(messages[0]));
     QVERIFY(!QFile::exists(target));
+}
+
+// Tern recordings of whole turns, 24 packets of 15 degrees each, with turn
+// 3's packet at 75 degrees and turn 7's at 120 and 135 left out. The parse
+// settled before each opening has the next turn's first packet open: it
+// comes out as the first frame, one packet wide (incomplete), so turn r is
+// frame r + 1, at position r + 2.
+static QVector<QByteArray> recordingWithDrops(int revolutions)
+{
+    QVector<QByteArray> packets = testing::ternRevolutions(revolutions);
+    packets.remove(7 * 24 + 8, 2);
+    packets.remove(3 * 24 + 5);
+    return QVector<QByteArray>{"Tern"} + packets;
+}
+
+void PlayerTest::healthBesideTheFrame_data()
+{
+    QTest::addColumn<int>("position");  // 1-based, as the frame box shows it
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("gaps");  // of the health sent with the frame
+    QTest::newRow("whole") << 2 << "whole · 24 packets" << "";
+    QTest::newRow("one missing") << 5 << "1 packet missing · gap 75–90°" << "75-90";
+    QTest::newRow("two missing") << 9 << "2 packets missing · gap 120–150°" << "120-150";
+    QTest::newRow("whole after") << 10 << "whole · 24 packets" << "";
+}
+
+// The frame box has the shown frame's health beside it, and the same
+// health goes out with the frame; the slider marks the incomplete frames.
+void PlayerTest::healthBesideTheFrame()
+{
+    QFETCH(int, position);
+    QFETCH(QString, text);
+    QFETCH(QString, gaps);
+    lidar::registerHealthMetaTypes();
+    pathToOpen = dir.filePath("drops.txt");
+    QVERIFY(writeRecording(pathToOpen, recordingWithDrops(12)));
+    testing::settleOfflineParse("Tern");
+    QSignalSpy health(player, &OffinePlayWidget::SendFrameHealthSignal);
+    click("btn_open_file");
+    QTRY_VERIFY_WITH_TIMEOUT(!player->isIndexing(), 10000);
+    auto* spin = child<QSpinBox>("spinBox_progress");
+    spin->findChild<QLineEdit*>()->setText(QString::number(position));
+    QTest::keyClick(spin->findChild<QLineEdit*>(), Qt::Key_Return);
+    QCOMPARE(player->currentPosition(), position);
+    QCOMPARE(child<QLabel>("label_frame_health")->text(), text);
+    QStringList sent;
+    for (const lidar::AngularGap& gap : health.last().at(0).value<lidar::FrameHealth>().gaps)
+        sent << QString("%1-%2").arg(std::lround(gap.start)).arg(std::lround(gap.end));
+    QCOMPARE(sent.join(' '), gaps);
+    QCOMPARE(health.size(), spy->size());  // one health for every frame
+
+    auto* marks = child<IncompleteMarks>("incomplete_marks");
+    QCOMPARE(marks->frames(), (std::vector<qint64>{0, 4, 8}));
+    QVERIFY(marks->isVisible());
+    QVERIFY(marks->xOf(0) < marks->xOf(4) && marks->xOf(4) < marks->xOf(8));
+    // Stop empties the display: no gaps for the empty frame, no marks.
+    click("btn_stop");
+    QVERIFY(health.last().at(0).value<lidar::FrameHealth>().isWhole());
+    QVERIFY(marks->frames().empty());
+}
+
+// N and Shift+N go to the next and previous incomplete frame among those
+// indexed so far, and nowhere when there is none.
+void PlayerTest::jumpsToIncompleteFramesWhileIndexing()
+{
+    pathToOpen = dir.filePath("long drops.txt");
+    QVERIFY(writeRecording(pathToOpen, recordingWithDrops(400)));
+    testing::settleOfflineParse("Tern");
+    testing::SlowParsing slow("Tern", 500);
+    click("btn_open_file");
+    QTRY_VERIFY_WITH_TIMEOUT(player->frameCount() > 10, 10000);
+    QVERIFY(player->isIndexing());
+    player->nextFrame();
+    player->nextFrame();
+    QCOMPARE(player->currentPosition(), 2);
+    player->nextIncompleteFrame();
+    QCOMPARE(player->currentPosition(), 5);
+    player->nextIncompleteFrame();
+    QCOMPARE(player->currentPosition(), 9);
+    player->nextIncompleteFrame();
+    QCOMPARE(player->currentPosition(), 9);
+    player->previousIncompleteFrame();
+    QCOMPARE(player->currentPosition(), 5);
+    player->previousIncompleteFrame();
+    QCOMPARE(player->currentPosition(), 1);
+    player->previousIncompleteFrame();
+    QCOMPARE(player->currentPosition(), 1);
+    // The first frame, two steps and four jumps; none where there was nowhere to go.
+    QCOMPARE(spy->size(), 7);
+    click("btn_stop");
 }
 
 QTEST_MAIN(PlayerTest)
