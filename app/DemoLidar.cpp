@@ -54,6 +54,8 @@ bool DemoLidar::start(const QString& model, IConnectLiDAR& connector, QString* e
     options.dataHost = QStringLiteral("127.0.0.1");
     options.dataPort = freeLoopbackUdpPort();
     options.commandPort = 0;  // the simulator picks a free one
+    options.faults = m_faults;
+    options.gpsGapMs = m_gpsGapMs;
     QString simError;
     if (!m_simulator.start(options, &simError))
         return fail(tr("The simulated lidar could not start: %1").arg(simError));

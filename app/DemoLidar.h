@@ -4,6 +4,7 @@
 // it through its ordinary network connection, as it would to a real lidar.
 
 #include "IConnectLiDAR.h"
+#include "SimFaultInjector.h"
 #include "SimulationThread.h"
 
 #include <QCoreApplication>
@@ -34,6 +35,12 @@ public:
     bool start(const QString& model, IConnectLiDAR& connector, QString* error = nullptr);
     // Stops the simulator and its thread (the session stays with the window).
     void stop();
+    // A damaged link and a late GPS stamp every few seconds, for the next start.
+    void setFaults(const sim::FaultOptions& faults, double gpsGapMs = 0.0)
+    {
+        m_faults = faults;
+        m_gpsGapMs = gpsGapMs;
+    }
 
     bool isRunning() const { return m_simulator.engine() != nullptr; }
     NetworkParam link() const { return m_link; }
@@ -42,4 +49,6 @@ public:
 private:
     sim::SimulationThread m_simulator;
     NetworkParam m_link;
+    sim::FaultOptions m_faults;
+    double m_gpsGapMs = 0.0;
 };

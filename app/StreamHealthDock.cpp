@@ -116,6 +116,7 @@ void StreamHealthDock::redraw()
             for (const QPointF& p : line->points())
                 top = std::max(top, p.y());
         m_valueAxes[c]->setRange(0, c == 1 ? 100.0 : top * 1.1);
+        m_valueAxes[c]->applyNiceNumbers();  // round steps, not 199.65
     }
     if (n == 0) {
         m_counters->setText(tr("No data yet"));

@@ -66,10 +66,17 @@ QChart* chart(QLineSeries* line, QWidget* parent, QVBoxLayout* column)
     auto* c = new QChart;
     c->addSeries(line);
     c->createDefaultAxes();
+    // Few, short labels: a chart this low elides anything longer.
+    if (auto* values = qobject_cast<QValueAxis*>(c->axes(Qt::Vertical).value(0))) {
+        values->setTickCount(4);
+        values->setLabelFormat(QStringLiteral("%.1f"));
+    }
+    if (auto* seconds = qobject_cast<QValueAxis*>(c->axes(Qt::Horizontal).value(0)))
+        seconds->setLabelFormat(QStringLiteral("%.0f"));
     c->legend()->hide();
     c->setMargins(QMargins(2, 2, 2, 2));
     auto* view = new QChartView(c, parent);
-    view->setMinimumHeight(130);
+    view->setMinimumHeight(160);
     column->addWidget(view, 1);
     return c;
 }

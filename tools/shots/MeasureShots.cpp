@@ -40,10 +40,7 @@ namespace {
 constexpr char kTool[] = "scandeck-readme-shots";
 int failedPictures = 0;
 
-void click(ScanDeck& window, const char* name)
-{
-    window.findChild<QAbstractButton*>(name)->click();
-}
+using shots::click;
 
 QWidget* view(ScanDeck& window)
 {
@@ -93,7 +90,7 @@ void clickAt(ScanDeck& window, const QPoint& at)
 // The screen, so that a dialog over the window is in the picture.
 void save(const QString& path, const QRect& area)
 {
-    if (!shots::savePng(QGuiApplication::primaryScreen()->grabWindow(0).toImage().copy(area), path))
+    if (!shots::saveScreen(area, path))
         ++failedPictures;
 }
 

@@ -3,7 +3,10 @@
 #include "ScanDeck.h"
 #include "UserMessages.h"
 
+#include <QAbstractButton>
 #include <QApplication>
+#include <QRect>
+#include <QScreen>
 #include <QElapsedTimer>
 #include <QThread>
 #include <cstdio>
@@ -58,6 +61,16 @@ bool savePng(const QImage& image, const QString& path, int maxWidth)
     const bool ok = shot.save(path, "PNG");
     std::printf("%s %s (%dx%d)\n", ok ? "wrote" : "could not write", qPrintable(path), shot.width(), shot.height());
     return ok;
+}
+
+void click(QWidget& root, const char* name)
+{
+    root.findChild<QAbstractButton*>(QLatin1String(name))->click();
+}
+
+bool saveScreen(const QRect& area, const QString& path)
+{
+    return savePng(QGuiApplication::primaryScreen()->grabWindow(0).toImage().copy(area), path);
 }
 
 }  // namespace shots

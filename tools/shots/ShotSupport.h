@@ -7,6 +7,8 @@
 #include <QSize>
 #include <QString>
 
+class QRect;
+class QWidget;
 class ScanDeck;
 
 namespace shots {
@@ -21,6 +23,11 @@ void showWindow(ScanDeck& window, const QSize& size);
 void answerMessages(const char* tool);
 // Prints "tool: message" on standard error; returns 1, the failure status.
 int fail(const char* tool, const QString& message);
+// Clicks the button of this name under `root`.
+void click(QWidget& root, const char* name);
+// Writes this part of the screen, so that a dialog or a second window over
+// the main one is in the picture.
+bool saveScreen(const QRect& area, const QString& path);
 // Writes `image` (scaled down to `maxWidth` when wider and it is above 0)
 // and says so on standard output.
 bool savePng(const QImage& image, const QString& path, int maxWidth = 0);
