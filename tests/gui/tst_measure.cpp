@@ -419,7 +419,9 @@ void MeasureTest::picking()
     QVERIFY(label3D(w, "m_ranging_text").endsWith('M'));
     clickAt(w, drawnAt(w, 1.0, 0.0));
     QCOMPARE(label3D(w, "m_ranging_text"), QStringLiteral("2.00M"));
-    QCOMPARE(w->statusBar()->currentMessage(), QStringLiteral("Distance between two points:2.00"));
+    // The distance first, as it always read; the bearing and offsets after it.
+    QCOMPARE(w->statusBar()->currentMessage(),
+             QString::fromUtf8("Distance between two points:2.00  Bearing:0.00°  Δx:200.00 CM  Δy:0.00 CM"));
     QCOMPARE(table->rowCount(), 2);
     QCOMPARE(table->item(1, 2)->text(), QStringLiteral("90.00"));
     // A new frame keeps ranging on and the fixed line in place.
