@@ -17,6 +17,7 @@
 
 #include <QBoxLayout>
 #include <QEvent>
+#include <QSpinBox>
 #include <QToolButton>
 
 AnalysisTools::AnalysisTools(ScanDeck& window, FrameDisplay& display, display::ViewSettings& settings,
@@ -45,6 +46,14 @@ AnalysisTools::AnalysisTools(ScanDeck& window, FrameDisplay& display, display::V
     display.addOverlay(m_statistics);
     display.addOverlay(m_sectors.get());
     connect(m_reference, &ReferenceTool::stateChanged, this, &AnalysisTools::followReference);
+    // Another number of sectors shows on the frame on screen at once (a paused player's too).
+    connect(m_sectorDock->findChild<QSpinBox*>(QStringLiteral("spin_sectors")),
+            QOverload<int>::of(&QSpinBox::valueChanged), this, [this] {
+                if (m_sectors->isOn() && !m_display.lastFrame().points.isEmpty()) {
+                    m_sectors->frameShown(m_display.lastView());
+                    m_display.render();
+                }
+            });
     addButtons();
     window.installEventFilter(this);  // language changes
 }

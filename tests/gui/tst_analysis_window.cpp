@@ -367,6 +367,11 @@ void AnalysisWindowTest::closestPerSector()
     vtkPolyData::SafeDownCast(marker->GetMapper()->GetInput())->GetPoint(0, marked);
     QVERIFY(std::abs(marked[0] - 2.0 * std::sin(94.68 * M_PI / 180.0)) < 0.01);
 
+    // Another number of sectors applies to the frame on screen at once.
+    dock->findChild<QSpinBox*>(QStringLiteral("spin_sectors"))->setValue(6);
+    QCOMPARE(table->rowCount(), 6);
+    QCOMPARE(int(overlay.labels()->labels().size()), 6);
+
     // Clear takes the marks away; the next frame brings them back.
     click(w, "btn_clear");
     QVERIFY(!w->viewer().contains(SectorOverlay::kLabelsId));
