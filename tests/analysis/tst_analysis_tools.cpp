@@ -6,6 +6,7 @@
 #include "FramePipeline.h"
 #include "PlayerFrames.h"
 #include "ReferenceTool.h"
+#include "SectorMinima.h"
 #include "StatisticsCsv.h"
 #include "StatisticsRun.h"
 #include "SyntheticFrames.h"
@@ -50,6 +51,8 @@ struct Fixture {
 class AnalysisToolsTest : public QObject {
     Q_OBJECT
 private slots:
+    void binsOfAnyTurn_data();
+    void binsOfAnyTurn();
     void stepOfFrame_data();
     void stepOfFrame();
     void referenceOfTheFrameOnScreen();
@@ -62,6 +65,39 @@ private slots:
     void statisticsLive();
     void statisticsFromARecording();
 };
+
+// Decoders may hand on azimuths a turn above (or below) the circle: they
+// fall in the same direction and the same sector as within it.
+void AnalysisToolsTest::binsOfAnyTurn_data()
+{
+    QTest::addColumn<double>("azimuth");
+    QTest::addColumn<int>("bin");     // of 1000 bins of 0.36 degrees
+    QTest::addColumn<int>("sector");  // of 12
+    QTest::newRow("0") << 0.0 << 0 << 0;
+    QTest::newRow("just below a turn") << 359.9 << 0 << 0;
+    QTest::newRow("a whole turn") << 360.0 << 0 << 0;
+    QTest::newRow("one step past a turn") << 360.36 << 1 << 0;
+    QTest::newRow("40 degrees past a turn") << 400.0 << 111 << 1;
+    QTest::newRow("two turns on") << 720.72 << 2 << 0;
+    QTest::newRow("one step below 0") << -0.36 << 999 << 0;
+    QTest::newRow("20 below 0") << -20.0 << 944 << 11;
+    QTest::newRow("a turn and a half below") << -540.0 << 500 << 6;
+}
+
+void AnalysisToolsTest::binsOfAnyTurn()
+{
+    QFETCH(double, azimuth);
+    QFETCH(int, bin);
+    QFETCH(int, sector);
+    QCOMPARE(display::AngularBins(kStep).binOf(azimuth), bin);
+    Frame frame;
+    frame.points[0].push_back(synthetic::point(0.0, 9.0));
+    lidar::LidarPoint p = synthetic::point(azimuth, 2.0);
+    p.azimuth = float(azimuth);
+    frame.points[0].push_back(p);
+    // The view draws only 0..360; asked for more, the sectors take any turn.
+    QCOMPARE(display::sectorMinima(frame, 12, -1000.0f, 1000.0f).nearestSector, sector);
+}
 
 void AnalysisToolsTest::stepOfFrame_data()
 {
