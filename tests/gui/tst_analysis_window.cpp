@@ -98,6 +98,7 @@ private slots:
     void statisticsWithoutPlaying();
     void closestPerSector_data();
     void closestPerSector();
+    void liveReferenceAndStatistics();
 
 private:
     std::unique_ptr<ScratchWorkingDir> m_dir;
@@ -383,6 +384,44 @@ void AnalysisWindowTest::closestPerSector()
     QVERIFY(dock->isHidden());
     for (const char* id : {SectorOverlay::kEdgesId, SectorOverlay::kLabelsId, SectorOverlay::kNearestId})
         QVERIFY2(!w->viewer().contains(id), id);
+}
+
+// Live, the reference and the statistics come from the next frames shown,
+// in the directions of the stream's own angular step.
+void AnalysisWindowTest::liveReferenceAndStatistics()
+{
+    SimulatedLidarRig lidar;
+    QVERIFY(lidar.start(QStringLiteral("Tern"), sim::Transport::Udp));
+    auto window = openWindow();
+    ScanDeck* w = window.get();
+    QVERIFY(connectWindow(*w, QStringLiteral("Tern"), lidar));
+    QTRY_VERIFY_WITH_TIMEOUT(!w->lastFrame().points.isEmpty(), 10000);
+    auto* dock = w->findChild<ReferenceDock*>();
+    dock->findChild<QSpinBox*>(QStringLiteral("spin_reference_frames"))->setValue(3);
+    click(w, "btn_set_reference");
+    ReferenceTool& tool = toolsOf(w)->reference();
+    QVERIFY(tool.isCollecting() || tool.hasReference());
+    QTRY_VERIFY_WITH_TIMEOUT(tool.hasReference(), 10000);
+    QCOMPARE(tool.reference()->model(), QStringLiteral("Tern"));
+    const double step = w->session()->streamScanGeometry().angularStep;
+    QVERIFY(step > 0.0);
+    QCOMPARE(tool.reference()->angularStep(), step);
+    QVERIFY(tool.reference()->directionsWithRange() > tool.reference()->bins().count() / 2);
+    // The frames that follow are compared with it.
+    QTRY_VERIFY_WITH_TIMEOUT(tool.summary().compared > 0, 10000);
+    QVERIFY2(textOf(dock, "label_change").startsWith("Changed: "), qPrintable(textOf(dock, "label_change")));
+
+    click(w, "btn_statistics");
+    auto* statistics = w->findChild<StatisticsDock*>();
+    statistics->findChild<QSpinBox*>(QStringLiteral("spin_statistics_frames"))->setValue(5);
+    click(statistics, "btn_collect_statistics");
+    StatisticsRun& run = toolsOf(w)->statistics();
+    QTRY_VERIFY_WITH_TIMEOUT(!run.isOn(), 10000);
+    QCOMPARE(run.statistics()->frames(), 5);
+    QCOMPARE(run.statistics()->bins().count(), tool.reference()->bins().count());
+    QVERIFY(!statistics->charted("rate").isEmpty());
+    click(w, "btn_disconnect");
+    quietRegistry();
 }
 
 SCANDECK_TEST_MAIN(AnalysisWindowTest)

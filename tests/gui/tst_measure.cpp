@@ -325,8 +325,10 @@ void MeasureTest::labelsFaceTheCamera()
     auto view = vtkSmartPointer<vtkCamera>::New();
     view->SetPosition(0, 0, 15);
     auto labels = vtkSmartPointer<FacingLabels>::New();
+    // Texts are put together from cached characters: spaces and signs too.
     const std::vector<FacingLabels::Label> given{{"near", "100CM", {0, 1, 0}, 0.1},
-                                                 {"far", "-1900CM", {-19, 0, 0}, 0.02}};
+                                                 {"far", "-1900CM", {-19, 0, 0}, 0.02},
+                                                 {"sector", "4.95M @45  x", {3, 2, 0}, 0.12}};
     labels->setLabels(given, view);
     view->SetPosition(camera[0], camera[1], camera[2]);
     view->SetFocalPoint(camera[3], camera[4], camera[5]);
