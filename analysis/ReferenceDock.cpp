@@ -132,7 +132,8 @@ QString ReferenceDock::changeText(const display::ChangeSummary& summary)
 void ReferenceDock::showState()
 {
     const display::ReferenceSweep* reference = m_tool.reference();
-    QString state = tr("No reference");
+    QString state = m_tool.dropped().isEmpty() ? tr("No reference")
+                                               : tr("The reference was dropped: %1").arg(m_tool.dropped());
     if (reference)
         state = tr("Reference of %1, step %2°, %3 of %4 directions with a range")
                     .arg(reference->model())

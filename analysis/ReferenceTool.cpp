@@ -35,6 +35,25 @@ void ReferenceTool::frameShown(const display::FrameView& view)
         m_summary = view.change;
         emit summaryChanged();
     }
+    if (m_reference && ++m_uncheckedFrames >= kCheckEvery) {
+        m_uncheckedFrames = 0;
+        m_inFrame = true;
+        dropIfForeign();
+        m_inFrame = false;
+    }
+}
+
+// Another recording loaded, another lidar connected: a reference of another
+// model or step would compare unrelated directions.
+void ReferenceTool::dropIfForeign()
+{
+    const ScanSource source = m_source();
+    QString why;
+    if (!source.isKnown() || display::ReferenceFile::fits(*m_reference, source.model, source.angularStep, why))
+        return;
+    setReference(display::ReferenceSweep());
+    m_dropped = why;
+    emit stateChanged();
 }
 
 void ReferenceTool::viewCleared()
@@ -89,6 +108,8 @@ void ReferenceTool::cancel()
 void ReferenceTool::setReference(display::ReferenceSweep reference)
 {
     m_collector.reset();
+    m_dropped.clear();
+    m_uncheckedFrames = 0;
     m_reference = reference.isValid() ? std::make_shared<const display::ReferenceSweep>(std::move(reference))
                                       : nullptr;
     m_summary = display::ChangeSummary();

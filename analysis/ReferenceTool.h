@@ -49,6 +49,12 @@ public:
     double toleranceM() const { return m_toleranceM; }
     // The change of the last frame shown with the colouring on.
     const display::ChangeSummary& summary() const { return m_summary; }
+    // Why the reference was dropped (another model or step came on
+    // screen); empty while it stands.
+    const QString& dropped() const { return m_dropped; }
+
+    // A reference is checked against the frames' source this often, in frames shown.
+    static constexpr int kCheckEvery = 25;
 
 signals:
     // A reference was set, loaded or dropped, or the colouring switched.
@@ -58,6 +64,7 @@ signals:
 
 private:
     void apply();
+    void dropIfForeign();
 
     display::ViewSettings& m_settings;
     ScanSourceQuery m_source;
@@ -68,4 +75,6 @@ private:
     double m_toleranceM = display::ChangeOptions::kDefaultToleranceM;
     bool m_changeOn = false;
     bool m_inFrame = false;
+    int m_uncheckedFrames = 0;
+    QString m_dropped;
 };

@@ -146,8 +146,12 @@ ScanSource AnalysisTools::source() const
         source.model = player->modelName();
         source.recording = player->frameSource();
         source.position = std::max(0, player->currentPosition() - 1);
-        if (!player->currentFile().isEmpty())
-            source.angularStep = lidar::recordingScanGeometry(player->currentFile()).angularStep;
+        // Read from the file once; the reference tool asks every few frames.
+        if (!player->currentFile().isEmpty() && player->currentFile() != m_geometryFile) {
+            m_geometryFile = player->currentFile();
+            m_fileStep = lidar::recordingScanGeometry(m_geometryFile).angularStep;
+        }
+        source.angularStep = player->currentFile().isEmpty() ? 0.0 : m_fileStep;
     } else if (m_window.isLidarConnected()) {
         const std::shared_ptr<LidarAnalysis> session = m_window.session();
         source.model = QString::fromLatin1(session->metaObject()->className());

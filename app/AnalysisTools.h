@@ -63,4 +63,6 @@ private:
     QToolButton* m_referenceButton = nullptr;
     QToolButton* m_statisticsButton = nullptr;
     QToolButton* m_sectorsButton = nullptr;
+    mutable QString m_geometryFile;  // the recording whose step m_fileStep is
+    mutable double m_fileStep = 0.0;
 };

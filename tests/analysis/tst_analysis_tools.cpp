@@ -60,6 +60,8 @@ private slots:
     void referenceFromARecording_data();
     void referenceFromARecording();
     void nothingToTakeFrom();
+    void referenceOfAnotherSourceIsDropped_data();
+    void referenceOfAnotherSourceIsDropped();
     void loadRefusesAnotherModelOrStep_data();
     void loadRefusesAnotherModelOrStep();
     void statisticsLive();
@@ -217,6 +219,38 @@ void AnalysisToolsTest::nothingToTakeFrom()
     QVERIFY(!error.isEmpty());
     QVERIFY(!f.tool.isCollecting());
     QCOMPARE(f.redraws, 0);
+}
+
+void AnalysisToolsTest::referenceOfAnotherSourceIsDropped_data()
+{
+    QTest::addColumn<QString>("model");
+    QTest::addColumn<double>("step");
+    QTest::addColumn<bool>("kept");
+    QTest::newRow("the same source") << "Tern" << kStep << true;
+    QTest::newRow("another model") << "Wren_Plus" << kStep << false;
+    QTest::newRow("another step") << "Tern" << 0.24 << false;
+    QTest::newRow("nothing connected any more") << "" << 0.0 << true;
+}
+
+void AnalysisToolsTest::referenceOfAnotherSourceIsDropped()
+{
+    QFETCH(QString, model);
+    QFETCH(double, step);
+    QFETCH(bool, kept);
+    Fixture f;
+    QString error;
+    QVERIFY(f.tool.take(1, wall(5.0), error));
+    f.source.model = model;
+    f.source.angularStep = step;
+    for (int i = 1; i < ReferenceTool::kCheckEvery; ++i)
+        f.show(wall(5.0), f.tool);
+    QVERIFY(f.tool.hasReference());  // looked at every few frames only
+    f.show(wall(5.0), f.tool);
+    QCOMPARE(f.tool.hasReference(), kept);
+    QCOMPARE(bool(f.settings.changeReference), kept);
+    QCOMPARE(f.tool.dropped().isEmpty(), kept);
+    if (!kept)
+        QVERIFY2(f.tool.dropped().contains(model == "Tern" ? "0.24" : model), qPrintable(f.tool.dropped()));
 }
 
 void AnalysisToolsTest::loadRefusesAnotherModelOrStep_data()
