@@ -17,6 +17,7 @@
 
 #include <QBoxLayout>
 #include <QEvent>
+#include <QMenu>
 #include <QSpinBox>
 #include <QToolButton>
 
@@ -72,39 +73,45 @@ void AnalysisTools::setFileHook(std::function<QString(bool, const QString&, cons
 
 void AnalysisTools::addButtons()
 {
-    QBoxLayout* column = m_window.findChild<QBoxLayout*>(QStringLiteral("verticalLayout_view_tools"));
-    QWidget* after = m_window.findChild<QWidget*>(QStringLiteral("btn_resize_range"));
-    auto makeButton = [&](const char* name, const QIcon& icon, bool checkable) {
-        auto* button = new QToolButton(&m_window);
-        button->setObjectName(QLatin1String(name));
-        button->setIcon(icon);
-        button->setIconSize(QSize(24, 24));
-        button->setAutoRaise(true);
-        button->setCheckable(checkable);
-        button->setToolButtonStyle(Qt::ToolButtonIconOnly);
-        return button;
+    // In the bar above the view, after the legend: the tools column left of
+    // the view has no room left on a short screen.
+    QWidget* legend = m_window.findChild<QWidget*>(QStringLiteral("btn_legend"));
+    QBoxLayout* bar = nullptr;
+    for (QBoxLayout* layout : m_window.findChildren<QBoxLayout*>())
+        if (legend && layout->indexOf(legend) >= 0)
+            bar = layout;
+    m_button = new QToolButton(&m_window);
+    m_button->setObjectName(QStringLiteral("btn_analysis"));
+    m_button->setIcon(toolicons::statistics());
+    m_button->setIconSize(QSize(20, 20));
+    m_button->setAutoRaise(true);
+    m_button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    m_button->setPopupMode(QToolButton::InstantPopup);
+    auto* menu = new QMenu(m_button);
+    auto makeAction = [&](const char* name, const QIcon& icon, bool checkable) {
+        QAction* action = menu->addAction(icon, QString());
+        action->setObjectName(QLatin1String(name));
+        action->setCheckable(checkable);
+        return action;
     };
-    m_referenceButton = makeButton("btn_set_reference", toolicons::reference(), false);
-    m_statisticsButton = makeButton("btn_statistics", toolicons::statistics(), false);
-    m_sectorsButton = makeButton("btn_sectors", toolicons::sectors(), true);
-    const int at = column && after ? column->indexOf(after) + 1 : 0;
-    if (column) {
-        column->insertWidget(at, m_referenceButton);
-        column->insertWidget(at + 1, m_statisticsButton);
-        column->insertWidget(at + 2, m_sectorsButton);
-    }
+    m_referenceAction = makeAction("act_set_reference", toolicons::reference(), false);
+    m_statisticsAction = makeAction("act_statistics", toolicons::statistics(), false);
+    m_sectorsAction = makeAction("act_sectors", toolicons::sectors(), true);
+    m_button->setMenu(menu);
+    if (bar)
+        bar->insertWidget(bar->indexOf(legend) + 1, m_button);
     // Set reference takes it at once with the dock's frame count; the dock
     // stays open for the colouring, the tolerance and the file.
-    connect(m_referenceButton, &QToolButton::clicked, this, [this] {
+    connect(m_referenceAction, &QAction::triggered, this, [this] {
         m_referenceDock->show();
         m_referenceDock->raise();
         m_referenceDock->takeReference();
     });
-    connect(m_statisticsButton, &QToolButton::clicked, this, [this] {
+    connect(m_statisticsAction, &QAction::triggered, this, [this] {
         m_statisticsDock->show();
         m_statisticsDock->raise();
     });
-    connect(m_sectorsButton, &QToolButton::toggled, this, [this](bool on) {
+    connect(m_sectorsAction, &QAction::toggled, this, [this](bool on) {
         m_sectors->setOn(on);
         m_sectorDock->setVisible(on);
         // The frame on screen gets its sectors now, not only the next one.
@@ -113,21 +120,23 @@ void AnalysisTools::addButtons()
     });
     // Closing the dock ends the overlay too.
     connect(m_sectorDock, &QDockWidget::visibilityChanged, this, [this](bool visible) {
-        if (!visible && m_sectorDock->isHidden() && m_sectorsButton->isChecked())
-            m_sectorsButton->setChecked(false);
+        if (!visible && m_sectorDock->isHidden() && m_sectorsAction->isChecked())
+            m_sectorsAction->setChecked(false);
     });
     retranslate();
 }
 
 void AnalysisTools::retranslate()
 {
-    m_referenceButton->setToolTip(tr("Set reference – the frame on screen or the median over the next frames; "
-                                     "then points are coloured by their change"));
-    m_referenceButton->setText(tr("Set reference"));
-    m_statisticsButton->setToolTip(tr("Statistics over N frames – return rate and spread of every direction"));
-    m_statisticsButton->setText(tr("Range statistics"));
-    m_sectorsButton->setToolTip(tr("Closest per sector – the nearest return in each sector around the lidar"));
-    m_sectorsButton->setText(tr("Closest per sector"));
+    m_button->setText(tr("Analysis"));
+    m_button->setToolTip(tr("Analysis – reference and change, range statistics, closest per sector"));
+    m_referenceAction->setText(tr("Set reference"));
+    m_referenceAction->setToolTip(tr("The frame on screen or the median over the next frames; then points are "
+                                     "coloured by their change"));
+    m_statisticsAction->setText(tr("Range statistics"));
+    m_statisticsAction->setToolTip(tr("Statistics over N frames – return rate and spread of every direction"));
+    m_sectorsAction->setText(tr("Closest per sector"));
+    m_sectorsAction->setToolTip(tr("The nearest return in each sector around the lidar"));
     followReference();
 }
 

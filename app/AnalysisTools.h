@@ -1,6 +1,7 @@
 #pragma once
-// The analysis tools beside the measuring tools: their buttons in the view
-// tools column (Set reference, Range statistics, Closest per sector), their
+// The analysis tools beside the measuring tools: one button in the bar
+// above the view whose menu holds them (Set reference, Range statistics,
+// Closest per sector), their
 // docks, and what they need from the window: the model and angular step of
 // the frames on screen (live or from the player), the frames shown, the
 // view's settings (where the Change colouring's reference goes) and the
@@ -14,6 +15,7 @@
 
 class ColourLegendOverlay;
 class FrameDisplay;
+class QAction;
 class QToolButton;
 class ReferenceDock;
 class ReferenceTool;
@@ -60,9 +62,10 @@ private:
     ReferenceDock* m_referenceDock;
     StatisticsDock* m_statisticsDock;
     SectorDock* m_sectorDock;
-    QToolButton* m_referenceButton = nullptr;
-    QToolButton* m_statisticsButton = nullptr;
-    QToolButton* m_sectorsButton = nullptr;
+    QToolButton* m_button = nullptr;
+    QAction* m_referenceAction = nullptr;
+    QAction* m_statisticsAction = nullptr;
+    QAction* m_sectorsAction = nullptr;
     mutable QString m_geometryFile;  // the recording whose step m_fileStep is
     mutable double m_fileStep = 0.0;
 };

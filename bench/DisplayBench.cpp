@@ -26,6 +26,7 @@
 #include "StatisticsRun.h"
 
 #include <QAbstractButton>
+#include <QAction>
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QFile>
@@ -280,7 +281,7 @@ void analysisOn(ScanDeck& window, const lidar::LidarDataPoint_V4& frame, int too
     if (tools & StatisticsTool)
         analysis->statistics().startLive(display::AngularBins(step), std::numeric_limits<int>::max());
     if (tools & SectorsTool)
-        click(window, "btn_sectors", true);
+        window.findChild<QAction*>("act_sectors")->setChecked(true);
     if (tools & BearingTool) {
         click(window, "btn_ranging", true);
         const Cloud& cloud = window.frameCloud();
@@ -294,7 +295,7 @@ void analysisOff(ScanDeck& window)
     AnalysisTools* analysis = window.findChild<AnalysisTools*>("analysis_tools");
     analysis->reference().setOn(false);
     analysis->statistics().setOn(false);
-    click(window, "btn_sectors", false);
+    window.findChild<QAction*>("act_sectors")->setChecked(false);
     click(window, "btn_ranging", false);
 }
 

@@ -23,7 +23,9 @@
 #include <QDoubleSpinBox>
 #include <QLabel>
 #include <QSpinBox>
+#include <QMenu>
 #include <QStandardItemModel>
+#include <QToolButton>
 
 #include <vtkActor.h>
 #include <vtkPolyData.h>
@@ -55,6 +57,14 @@ AnalysisTools* toolsOf(ScanDeck* w)
 OffinePlayWidget* playerOf(ScanDeck* w)
 {
     return control<OffinePlayWidget>(w, "offline");
+}
+
+// The analysis menu's entries, as the operator picks them.
+void trigger(ScanDeck* w, const char* name)
+{
+    auto* action = w->findChild<QAction*>(QLatin1String(name));
+    QVERIFY2(action, name);
+    action->trigger();
 }
 
 QString textOf(QWidget* parent, const char* name)
@@ -108,12 +118,16 @@ void AnalysisWindowTest::toolsSitWithTheMeasureTools()
 {
     auto window = openWindow();
     ScanDeck* w = window.get();
-    QWidget* column = control(w, "frame_view_tools");
-    for (const char* name : {"btn_set_reference", "btn_statistics", "btn_sectors"}) {
-        auto* button = control<QAbstractButton>(w, name);
-        QVERIFY2(button && column->isAncestorOf(button) && button->isVisible(), name);
-        QVERIFY2(!button->toolTip().isEmpty(), name);
-    }
+    auto* button = control<QToolButton>(w, "btn_analysis");
+    QVERIFY(button && button->isVisible());
+    // Beside the legend's switch in the bar above the view.
+    QCOMPARE(button->parentWidget(), control(w, "btn_legend")->parentWidget());
+    QVERIFY(!button->toolTip().isEmpty());
+    QStringList entries;
+    for (QAction* action : button->menu()->actions())
+        entries << action->objectName() + ":" + action->text();
+    QCOMPARE(entries, QStringList({"act_set_reference:Set reference", "act_statistics:Range statistics",
+                                   "act_sectors:Closest per sector"}));
     for (const char* dock : {"dock_reference", "dock_statistics", "dock_sectors"})
         QVERIFY2(w->findChild<QDockWidget*>(QLatin1String(dock))->isHidden(), dock);
 }
@@ -148,7 +162,7 @@ void AnalysisWindowTest::changeColouringInThePlayer()
 
     auto* dock = w->findChild<ReferenceDock*>();
     dock->findChild<QSpinBox*>(QStringLiteral("spin_reference_frames"))->setValue(frames);
-    click(w, "btn_set_reference");
+    trigger(w, "act_set_reference");
     QVERIFY(dock->isVisible());
     ReferenceTool& tool = toolsOf(w)->reference();
     QVERIFY(tool.hasReference());
@@ -226,7 +240,7 @@ void AnalysisWindowTest::referenceFile()
     toolsOf(w)->setFileHook([&](bool, const QString&, const QString&) { return answer; });
     playerOf(w)->loadFrames(QStringLiteral("Tern"), {wall(5.0)});
     QTRY_VERIFY_WITH_TIMEOUT(!w->lastFrame().points.isEmpty(), 5000);
-    click(w, "btn_set_reference");
+    trigger(w, "act_set_reference");
     auto* dock = w->findChild<ReferenceDock*>();
     answer = saved;
     click(dock, "btn_save_reference");
@@ -262,8 +276,8 @@ void AnalysisWindowTest::nothingToAnalyse()
     MessageRecorder messages;
     w->showFrame(wall(5.0));  // a frame, but neither a lidar nor a recording
     w->findChild<ReferenceDock*>()->findChild<QSpinBox*>(QStringLiteral("spin_reference_frames"))->setValue(1);
-    click(w, "btn_set_reference");
-    click(w, "btn_statistics");
+    trigger(w, "act_set_reference");
+    trigger(w, "act_statistics");
     click(w->findChild<StatisticsDock*>(), "btn_collect_statistics");
     QCOMPARE(messages.texts.size(), 2);
     QVERIFY(messages.texts[0].startsWith("Set reference: "));
@@ -286,7 +300,7 @@ void AnalysisWindowTest::statisticsWithoutPlaying()
     for (int i = 0; i < 3; ++i)
         player->nextFrame();  // frame 3 (index 2) on screen
     const Frame onScreen = w->lastFrame();
-    click(w, "btn_statistics");
+    trigger(w, "act_statistics");
     auto* dock = w->findChild<StatisticsDock*>();
     QVERIFY(dock->isVisible());
     QCOMPARE(dock->findChild<QSpinBox*>(QStringLiteral("spin_statistics_frames"))->value(), 100);
@@ -349,7 +363,7 @@ void AnalysisWindowTest::closestPerSector()
     w->showFrame(frame);
     auto* dock = w->findChild<SectorDock*>();
     dock->findChild<QSpinBox*>(QStringLiteral("spin_sectors"))->setValue(sectors);
-    click(w, "btn_sectors");
+    trigger(w, "act_sectors");
     QVERIFY(dock->isVisible());
     SectorOverlay& overlay = toolsOf(w)->sectors();
     QVERIFY(overlay.isOn());
@@ -379,7 +393,7 @@ void AnalysisWindowTest::closestPerSector()
     w->showFrame(frame);
     QVERIFY(w->viewer().contains(SectorOverlay::kLabelsId));
     // Off: gone, and the dock with them.
-    click(w, "btn_sectors");
+    trigger(w, "act_sectors");
     QVERIFY(!overlay.isOn());
     QVERIFY(dock->isHidden());
     for (const char* id : {SectorOverlay::kEdgesId, SectorOverlay::kLabelsId, SectorOverlay::kNearestId})
@@ -398,7 +412,7 @@ void AnalysisWindowTest::liveReferenceAndStatistics()
     QTRY_VERIFY_WITH_TIMEOUT(!w->lastFrame().points.isEmpty(), 10000);
     auto* dock = w->findChild<ReferenceDock*>();
     dock->findChild<QSpinBox*>(QStringLiteral("spin_reference_frames"))->setValue(3);
-    click(w, "btn_set_reference");
+    trigger(w, "act_set_reference");
     ReferenceTool& tool = toolsOf(w)->reference();
     QVERIFY(tool.isCollecting() || tool.hasReference());
     QTRY_VERIFY_WITH_TIMEOUT(tool.hasReference(), 10000);
@@ -411,7 +425,7 @@ void AnalysisWindowTest::liveReferenceAndStatistics()
     QTRY_VERIFY_WITH_TIMEOUT(tool.summary().compared > 0, 10000);
     QVERIFY2(textOf(dock, "label_change").startsWith("Changed: "), qPrintable(textOf(dock, "label_change")));
 
-    click(w, "btn_statistics");
+    trigger(w, "act_statistics");
     auto* statistics = w->findChild<StatisticsDock*>();
     statistics->findChild<QSpinBox*>(QStringLiteral("spin_statistics_frames"))->setValue(5);
     click(statistics, "btn_collect_statistics");
