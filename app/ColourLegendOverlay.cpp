@@ -40,10 +40,24 @@ void ColourLegendOverlay::setShown(bool on)
     reposition();
 }
 
+void ColourLegendOverlay::setOverride(const display::ColourLegend& legend, const QString& title)
+{
+    m_overridden = true;
+    m_overrideLegend = legend;
+    m_overrideTitle = title;
+    followMode();
+}
+
+void ColourLegendOverlay::clearOverride()
+{
+    m_overridden = false;
+    followMode();
+}
+
 void ColourLegendOverlay::followMode()
 {
-    m_legend = display::colourLegend(m_modeBox->currentIndex());
-    m_title = m_modeBox->currentText();
+    m_legend = m_overridden ? m_overrideLegend : display::colourLegend(m_modeBox->currentIndex());
+    m_title = m_overridden ? m_overrideTitle : m_modeBox->currentText();
     reposition();
     update();
 }

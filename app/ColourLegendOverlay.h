@@ -26,6 +26,10 @@ public:
     void setOn(bool on) override { setShown(on); }
     const display::ColourLegend& legend() const { return m_legend; }
     QString title() const { return m_title; }
+    // Another legend in place of the mode's while the points are coloured by
+    // something else (the Change colouring); clearOverride() returns to the mode.
+    void setOverride(const display::ColourLegend& legend, const QString& title);
+    void clearOverride();
 
     // The middle of a view that the legend must leave free: half its width
     // and half its height, centred.
@@ -49,4 +53,7 @@ private:
     display::ColourLegend m_legend;
     QString m_title;
     bool m_shown = true;
+    bool m_overridden = false;
+    display::ColourLegend m_overrideLegend;
+    QString m_overrideTitle;
 };

@@ -35,6 +35,7 @@ public:
 
     void setReadouts(StatusReadouts* readouts) { m_readouts = readouts; }
     void setOverlays(std::vector<ViewOverlay*> overlays) { m_overlays = std::move(overlays); }
+    void addOverlay(ViewOverlay* overlay) { m_overlays.push_back(overlay); }
 
     // Shows a frame: every step above, one render. Returns what the pipeline made.
     const display::FrameView& show(lidar::LidarDataPoint_V4 frame, const display::ViewSettings& settings,

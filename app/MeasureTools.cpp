@@ -114,9 +114,11 @@ void MeasureTools::rangingStep(int index, const pcl::PointXYZRGB& point)
         return;
     }
     addPickedRow(index);
-    m_controls.statusBar->showMessage(
-        tr("Distance between two points:") + QString::number(distance, 'f', RangingMarks::kPrecision),
-        kDistanceMessageMs);
+    // The bearing and offsets follow the distance, which keeps its place first.
+    m_controls.statusBar->showMessage(tr("Distance between two points:")
+                                          + QString::number(distance, 'f', RangingMarks::kPrecision)
+                                          + display::RangingBearing::text(m_parts.ranging.lastPair()),
+                                      kDistanceMessageMs);
 }
 
 // The row of a picked point carries its index in the drawn cloud.

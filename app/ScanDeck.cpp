@@ -1,5 +1,6 @@
 #include "ScanDeck.h"
 
+#include "AnalysisTools.h"
 #include "BoxOverlay.h"
 #include "ColourLegendOverlay.h"
 #include "CsvExportControl.h"
@@ -200,6 +201,7 @@ void ScanDeck::initParts()
                                statusBar(), m_tableModel},
         MeasureTools::Parts{*m_viewer, *m_display, *m_box, *m_ranging, *m_status->readouts},
         [this] { return m_pointSize; }, [this] { return isLidarConnected() && !isPlaying(); });
+    new AnalysisTools(*this, *m_display, m_settings, m_legend);  // a child, with its buttons and docks
 
     m_devicePanel = new DeviceSettingsPanel(
         {ui->btn_motor_state, ui->comboBox_motor_filter, ui->comboBox_motor_frequency, ui->btn_GPS_test}, this);

@@ -8,25 +8,38 @@
 // with the measurement tools all on (grid, polar rings, a box selection, a
 // ranging pair); and the cost of one mouse move over the view (the hover
 // readouts, then the ranging rubber band) with the number of renders it
-// caused. Run it under a display, e.g.
+// caused; the added cost of each analysis tool (Change colouring against a
+// reference, statistics collecting, closest per sector, a ranging pair with
+// its bearing) alone and of all four; and, given --recording FILE, the time
+// to collect statistics over its first 1000 frames as the player does.
+// Run it under a display, e.g.
 //   xvfb-run -a -s "-screen 0 1600x900x24" ./scandeck-display-bench
 // Options: --seconds S (per measurement, default 2), --repeat R (default 3,
 // the median is printed), --points N,N,... (frame sizes, default
-// 1000,5000,20000), --hold S (keep the window open S seconds at the end).
+// 1000,5000,20000), --hold S (keep the window open S seconds at the end),
+// --recording FILE (statistics over its first 1000 frames).
 
+#include "AnalysisTools.h"
+#include "PlayerFrames.h"
+#include "ReferenceTool.h"
 #include "ScanDeck.h"
+#include "StatisticsRun.h"
 
 #include <QAbstractButton>
+#include <QAction>
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QMouseEvent>
+#include <QFileInfo>
 #include <QTextStream>
+#include <QThread>
 #include <QVTKOpenGLNativeWidget.h>
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <functional>
+#include <limits>
 #include <random>
 
 #include <pcl/point_cloud.h>
@@ -250,6 +263,89 @@ void measuringOff(ScanDeck& window)
     click(window, "btn_ranging", false);
 }
 
+// The analysis tools, one bit each.
+enum Analysis { ChangeTool = 1, StatisticsTool = 2, SectorsTool = 4, BearingTool = 8, AllAnalysis = 15 };
+
+// A reference of the frame (the others then differ by their noise), statistics
+// collecting without end, the sector overlay, a ranging pair: as `tools` says.
+void analysisOn(ScanDeck& window, const lidar::LidarDataPoint_V4& frame, int tools)
+{
+    window.showFrame(frame);
+    AnalysisTools* analysis = window.findChild<AnalysisTools*>("analysis_tools");
+    int points = 0;
+    for (const auto& line : frame.points)
+        points += line.size();
+    const double step = 360.0 / points;
+    if (tools & ChangeTool)
+        analysis->reference().setReference(display::referenceFromFrame("Bench", step, frame));
+    if (tools & StatisticsTool)
+        analysis->statistics().startLive(display::AngularBins(step), std::numeric_limits<int>::max());
+    if (tools & SectorsTool)
+        window.findChild<QAction*>("act_sectors")->setChecked(true);
+    if (tools & BearingTool) {
+        click(window, "btn_ranging", true);
+        const Cloud& cloud = window.frameCloud();
+        window.rangingStep(0, cloud.points[0]);
+        window.rangingStep(int(cloud.size() / 3), cloud.points[cloud.size() / 3]);
+    }
+}
+
+void analysisOff(ScanDeck& window)
+{
+    AnalysisTools* analysis = window.findChild<AnalysisTools*>("analysis_tools");
+    analysis->reference().setOn(false);
+    analysis->statistics().setOn(false);
+    window.findChild<QAction*>("act_sectors")->setChecked(false);
+    click(window, "btn_ranging", false);
+}
+
+// Statistics over the first `frames` frames of a recording, read from it as
+// the player reads them; the plain reading of the same frames beside it.
+void recordingStatistics(QTextStream& out, const QString& path, int frames)
+{
+    QString model, refusal;
+    std::unique_ptr<PlayerFrames> recording = openRecordingFrames(path, model, refusal);
+    if (!recording) {
+        out << "cannot open " << path << ": " << refusal << "\n";
+        return;
+    }
+    QElapsedTimer clock;
+    clock.start();
+    while (!recording->isFinal() && clock.elapsed() < 60000)
+        QThread::msleep(20);
+    lidar::LidarDataPoint_V4 first;
+    recording->frame(0, first);
+    int points = 0;
+    for (const auto& line : first.points)
+        points += line.size();
+    const display::AngularBins bins(scansource::stepOfFrame(first));
+    std::vector<double> readMs, collectMs;
+    int read = 0;
+    for (int run = 0; run < 3; ++run) {
+        lidar::LidarDataPoint_V4 frame;
+        clock.restart();
+        for (int i = 0; i < std::min(frames, recording->count()); ++i)
+            recording->frame(i, frame);
+        readMs.push_back(clock.nsecsElapsed() / 1e6);
+        display::RangeStatistics statistics(bins, true);
+        clock.restart();
+        read = StatisticsRun::collect(*recording, 0, frames, statistics);
+        collectMs.push_back(clock.nsecsElapsed() / 1e6);
+    }
+    std::sort(readMs.begin(), readMs.end());
+    std::sort(collectMs.begin(), collectMs.end());
+    out << QString("statistics over %1 frames of %2 (%3, %4 points a frame, %5 directions): %6 ms"
+                   " (reading the frames alone %7 ms; median of 3; goal < 2000 ms)\n")
+               .arg(read)
+               .arg(QFileInfo(path).fileName())
+               .arg(model)
+               .arg(points)
+               .arg(bins.count())
+               .arg(collectMs[1], 0, 'f', 1)
+               .arg(readMs[1], 0, 'f', 1);
+    out.flush();
+}
+
 struct HoverFigures {
     double handleUs = 0;   // the window's filter and the view's interactor, per move
     double repaintUs = 0;  // the status bar repainting what changed, per move
@@ -351,13 +447,16 @@ int main(int argc, char* argv[])
         auto* table = window.findChild<QAbstractButton*>("btn_table");
         QSize openViewSize;
         int boxPoints = 0;
-        auto scanDeckRun = [&](bool tableOpen, bool renderTwice = false, int samples = -1, int tools = 0) {
+        auto scanDeckRun = [&](bool tableOpen, bool renderTwice = false, int samples = -1, int tools = 0,
+                               int analysis = 0) {
             scanDeckRenderWindow->SetMultiSamples(samples >= 0 ? samples : ownSamples);
             window.show();
             if (table->isChecked() != tableOpen)
                 table->click();
             if (tools)
                 boxPoints = std::max(boxPoints, measuringOn(window, frames[0], tools));
+            if (analysis)
+                analysisOn(window, frames[0], analysis);
             const Figures f = measure(seconds, [&](int i) {
                 window.showFrame(frames[i % frames.size()]);
                 Figures t = timingsOf(window);
@@ -376,6 +475,8 @@ int main(int argc, char* argv[])
             }
             if (tools)
                 measuringOff(window);
+            if (analysis)
+                analysisOff(window);
             scanDeckRenderWindow->SetMultiSamples(ownSamples);
             window.hide();
             return f;
@@ -415,6 +516,14 @@ int main(int argc, char* argv[])
             {"ScanDeck, grid+polar+box+ranging on", true, [&] { return scanDeckRun(false, false, -1, AllTools); }, {}},
             {"  grid and polar only", true, [&] { return scanDeckRun(false, false, -1, Overlays); }, {}},
             {"  box and ranging only", true, [&] { return scanDeckRun(false, false, -1, BoxAndRanging); }, {}},
+            {"ScanDeck, Change colouring on", true, [&] { return scanDeckRun(false, false, -1, 0, ChangeTool); }, {}},
+            {"ScanDeck, statistics collecting", true,
+             [&] { return scanDeckRun(false, false, -1, 0, StatisticsTool); }, {}},
+            {"ScanDeck, closest per sector on", true, [&] { return scanDeckRun(false, false, -1, 0, SectorsTool); }, {}},
+            {"ScanDeck, ranging pair with bearing", true,
+             [&] { return scanDeckRun(false, false, -1, 0, BearingTool); }, {}},
+            {"ScanDeck, all four analysis tools on", true,
+             [&] { return scanDeckRun(false, false, -1, 0, AllAnalysis); }, {}},
         };
         for (int r = 0; r < repeat; ++r)
             for (Variant& v : variants)
@@ -452,6 +561,19 @@ int main(int argc, char* argv[])
                        .arg(f.renderMs - result[0].renderMs, 0, 'f', 2);
         }
 
+        for (const QString& part : {QString("ScanDeck, Change colouring on"), QString("ScanDeck, statistics collecting"),
+                                    QString("ScanDeck, closest per sector on"),
+                                    QString("ScanDeck, ranging pair with bearing"),
+                                    QString("ScanDeck, all four analysis tools on")}) {
+            const Figures f = resultOf(part);
+            out << QString("          %1: own work %2 ms, %3 ms more than with none (goal <= 1 ms more); %4 % of the"
+                           " frame rate\n")
+                       .arg(part.mid(10), -32)
+                       .arg(f.ownMs, 0, 'f', 3)
+                       .arg(f.ownMs - result[0].ownMs, 0, 'f', 3)
+                       .arg(100.0 * f.fps / result[0].fps, 0, 'f', 1);
+        }
+
         // One mouse move over the view: readouts only (nothing to redraw),
         // then with the ranging rubber band following the cursor.
         window.show();
@@ -475,6 +597,9 @@ int main(int argc, char* argv[])
         out.flush();
     }
 
+    const int recordingAt = args.indexOf("--recording");
+    if (recordingAt >= 0 && recordingAt + 1 < args.size())
+        recordingStatistics(out, args[recordingAt + 1], 1000);
     out << "load average at the end: " << loadAverage() << "\n";
     out.flush();
     if (hold > 0) {

@@ -10,6 +10,92 @@
 #include <vtkVectorText.h>
 
 #include <cmath>
+#include <unordered_map>
+
+namespace {
+
+// One character as vtkVectorText draws it at the start of a line, and how
+// far it moves the next one on.
+struct Glyph {
+    std::vector<std::array<double, 3>> points;
+    std::vector<std::vector<vtkIdType>> cells;
+    double advance = 0.0;
+};
+
+void readText(const std::string& text, std::vector<std::array<double, 3>>& points,
+              std::vector<std::vector<vtkIdType>>* cells)
+{
+    auto source = vtkSmartPointer<vtkVectorText>::New();
+    source->SetText(text.c_str());
+    source->Update();
+    vtkPolyData* out = source->GetOutput();
+    points.resize(size_t(out->GetNumberOfPoints()));
+    for (vtkIdType i = 0; i < out->GetNumberOfPoints(); ++i)
+        out->GetPoint(i, points[size_t(i)].data());
+    if (!cells)
+        return;
+    vtkIdType count = 0;
+    const vtkIdType* ids = nullptr;
+    vtkCellArray* polys = out->GetPolys();
+    for (polys->InitTraversal(); polys->GetNextCell(count, ids);)
+        cells->emplace_back(ids, ids + count);
+}
+
+// vtkVectorText parses its font tables anew for every text, which costs far
+// more than the rest of a label: each character is made once, and a text is
+// put together from its characters as vtkVectorText lays them out, one after
+// the other along x.
+const Glyph& glyphOf(char c)
+{
+    static std::unordered_map<char, Glyph> glyphs;
+    const auto found = glyphs.find(c);
+    if (found != glyphs.end())
+        return found->second;
+    Glyph glyph;
+    readText(std::string(1, c), glyph.points, &glyph.cells);
+    std::vector<std::array<double, 3>> pair;
+    if (!glyph.points.empty()) {
+        // Twice over: the second copy starts one advance on.
+        readText(std::string(2, c), pair, nullptr);
+        glyph.advance = pair[glyph.points.size()][0] - pair[0][0];
+    } else {
+        // Nothing drawn (a space): measured between two I.
+        const Glyph& i = glyphOf('I');
+        readText(std::string("I") + c + "I", pair, nullptr);
+        glyph.advance = pair[i.points.size()][0] - pair[0][0] - i.advance;
+    }
+    return glyphs.emplace(c, std::move(glyph)).first->second;
+}
+
+// One line of printable ASCII: what the glyphs can put together.
+bool composable(const std::string& text)
+{
+    for (char c : text)
+        if (c < 32 || c > 126)
+            return false;
+    return true;
+}
+
+void compose(const std::string& text, std::vector<std::array<double, 3>>& points, vtkCellArray* polys)
+{
+    double x = 0.0;
+    for (char c : text) {
+        const Glyph& glyph = glyphOf(c);
+        const vtkIdType base = vtkIdType(points.size());
+        for (const auto& p : glyph.points)
+            points.push_back({p[0] + x, p[1], p[2]});
+        std::vector<vtkIdType> shifted;
+        for (const std::vector<vtkIdType>& cell : glyph.cells) {
+            shifted.assign(cell.begin(), cell.end());
+            for (vtkIdType& id : shifted)
+                id += base;
+            polys->InsertNextCell(vtkIdType(shifted.size()), shifted.data());
+        }
+        x += glyph.advance;
+    }
+}
+
+}  // namespace
 
 vtkStandardNewMacro(FacingLabels);
 
@@ -33,6 +119,10 @@ void FacingLabels::setLabels(const std::vector<Label>& labels, vtkCamera* camera
     for (const Label& label : m_labels) {
         const vtkIdType first = vtkIdType(m_glyphPoints.size());
         m_firstPoint.push_back(first);
+        if (composable(label.text)) {
+            compose(label.text, m_glyphPoints, polys);
+            continue;
+        }
         text->SetText(label.text.c_str());
         text->Update();
         vtkPolyData* glyphs = text->GetOutput();

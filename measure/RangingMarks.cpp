@@ -105,6 +105,7 @@ RangingMarks::Step RangingMarks::addRangingPoint(int index, const pcl::PointXYZR
     const double midpoint[3] = {(a.x + b.x) / 2.0, (a.y + b.y) / 2.0, (a.z + b.z) / 2.0};
     replaceLabel(d, midpoint);
     *distance = d;
+    m_lastPair = display::RangingBearing::components(a.x, a.y, b.x, b.y);
 
     clearCloud(*m_clickCloud);
     pending.clear();

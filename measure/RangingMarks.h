@@ -9,6 +9,7 @@
 // point, the next ranging click pairs with it.
 
 #include "PclForward.h"
+#include "RangingBearing.h"
 
 #include <QString>
 #include <memory>
@@ -34,6 +35,10 @@ public:
     // the line and the label and gives the distance in metres.
     Step addRangingPoint(int index, const pcl::PointXYZRGB& point, int pointSize, float* distance);
 
+    // Bearing and offsets of the pair completed last, from its first point
+    // to its second.
+    const display::RangingComponents& lastPair() const { return m_lastPair; }
+
     // The rubber band from the first point of a pair to `cursor` (world
     // coordinates). False when no first point is marked.
     bool preview(const double cursor[3]);
@@ -54,4 +59,5 @@ private:
     pcl::visualization::PCLVisualizer& m_viewer;
     std::shared_ptr<Cloud> m_clickCloud;
     std::shared_ptr<Cloud> m_boxCloud;
+    display::RangingComponents m_lastPair;
 };

@@ -33,6 +33,7 @@ public:
     void markSingle(const pcl::PointXYZRGB& point, int pointSize) { m_marks.markSingle(point, pointSize); }
     bool preview(const double cursor[3]) { return m_marks.preview(cursor); }
     void removeMarks() { m_marks.removeMarks(); }
+    const display::RangingComponents& lastPair() const { return m_marks.lastPair(); }
 
     const Cloud& clickCloud() const { return *m_clickCloud; }
     const ScenePoint& picked(int i) const { return m_picked[i]; }

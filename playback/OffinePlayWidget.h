@@ -75,6 +75,11 @@ public:
     // the end of its index (the final count, any note).
     bool isIndexing() const { return indexing; }
 
+    // The loaded file's frames for tools that read ahead of the display
+    // (statistics over many frames), null when nothing is loaded; and its model.
+    PlayerFrames* frameSource() const { return loaded ? frames_.get() : nullptr; }
+    QString modelName() const { return loaded ? model : QString(); }
+
     // Playback state, read by the main window and by tests.
     int currentPosition() const { return current; }
     int frameCount() const { return count; }

@@ -128,12 +128,12 @@
         <translation>；其中的 UDP 数据报发往端口 %1</translation>
     </message>
     <message>
-        <location filename="../lidar/CaptureFrames.cpp" line="+20"/>
+        <location filename="../lidar/CaptureFrames.cpp" line="+21"/>
         <source>Unknown lidar model &quot;%1&quot;</source>
         <translation>未知的雷达型号“%1”</translation>
     </message>
     <message>
-        <location filename="../lidar/CaptureIndexer.cpp" line="+52"/>
+        <location filename="../lidar/CaptureIndexer.cpp" line="+55"/>
         <source>The decoded frames could not be kept (%1): the capture plays up to frame %2</source>
         <translation>无法保存解码后的帧（%1）：抓包文件只能播放到第 %2 帧</translation>
     </message>
@@ -164,7 +164,7 @@
 <context>
     <name>CaptureSpillFrames</name>
     <message>
-        <location filename="../playback/PlayerFrames.cpp" line="+87"/>
+        <location filename="../playback/PlayerFrames.cpp" line="+103"/>
         <source>Unable to parse this file</source>
         <translation>无法解析该文件</translation>
     </message>
@@ -176,6 +176,21 @@
         <source>every point</source>
         <translation>所有点</translation>
     </message>
+    <message>
+        <location filename="../display/ChangeColouring.cpp" line="+23"/>
+        <source>nearer by more than %1 cm</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+2"/>
+        <source>within ±%1 cm</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+3"/>
+        <source>farther by more than %1 cm</source>
+        <translation type="unfinished"></translation>
+    </message>
 </context>
 <context>
     <name>DemoLidar</name>
@@ -185,7 +200,7 @@
         <translation>未知的雷达型号 %1</translation>
     </message>
     <message>
-        <location line="+7"/>
+        <location line="+9"/>
         <source>The simulated lidar could not start: %1</source>
         <translation>模拟雷达无法启动：%1</translation>
     </message>
@@ -374,6 +389,39 @@
     </message>
 </context>
 <context>
+    <name>GpsTimingCharts</name>
+    <message>
+        <location filename="../device/GpsTimingCharts.cpp" line="+139"/>
+        <source>No GPS time stamps yet</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+2"/>
+        <source>%1 ppm</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+0"/>
+        <source>not known yet</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>Packet time minus computer time: %1 ms; drift over the last minute: %2</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+32"/>
+        <source>Interval from packet to packet (ms) over time (s)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>Packet time minus computer time, change since the first packet (ms)</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
     <name>GridPolarDialog</name>
     <message>
         <location filename="../measure/GridPolarDialog.ui" line="+14"/>
@@ -420,12 +468,12 @@
 <context>
     <name>KeyboardShortcuts</name>
     <message>
-        <location filename="../app/ScanDeckWiring.cpp" line="+99"/>
+        <location filename="../app/ScanDeckWiring.cpp" line="+98"/>
         <source>Play or pause (recording or live display)</source>
         <translation>播放或暂停（录制文件或实时显示）</translation>
     </message>
     <message>
-        <location line="+7"/>
+        <location filename="../app/PlayerKeys.cpp" line="+8"/>
         <source>Previous frame</source>
         <translation>上一帧</translation>
     </message>
@@ -446,6 +494,16 @@
     </message>
     <message>
         <location line="+1"/>
+        <source>Next incomplete frame (recording)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+2"/>
+        <source>Previous incomplete frame (recording)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location filename="../app/ScanDeckWiring.cpp" line="+8"/>
         <source>Open a recording</source>
         <translation>打开录制文件</translation>
     </message>
@@ -478,12 +536,12 @@
 <context>
     <name>LidarAnalysis</name>
     <message>
-        <location filename="../lidar/LidarAnalysis.cpp" line="+58"/>
+        <location filename="../lidar/LidarAnalysis.cpp" line="+77"/>
         <source>Please set a valid connection status!</source>
         <translation>请设置有效的连接状态！</translation>
     </message>
     <message>
-        <location line="+43"/>
+        <location line="+51"/>
         <source>Failed to send data</source>
         <translation>数据发送失败</translation>
     </message>
@@ -501,7 +559,7 @@
 <context>
     <name>LinkStatusReadout</name>
     <message>
-        <location filename="../app/LinkStatusReadout.cpp" line="+64"/>
+        <location filename="../app/LinkStatusReadout.cpp" line="+89"/>
         <source>No data from the lidar for %1 s</source>
         <translation>已 %1 秒未收到雷达数据</translation>
     </message>
@@ -517,14 +575,54 @@
     </message>
     <message>
         <location line="+11"/>
+        <source>%1 — %2</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+1"/>
         <source>Link to the lidar: packets (over a serial port, kilobytes) and frames per second, and how long ago the last data arrived. frames/s counts the revolutions the lidar completes; the FPS figure in the view counts how often the view is drawn.</source>
         <translation>与雷达的链路：每秒数据包数（串口为千字节数）和帧数，以及距上次收到数据的时间。帧/秒是雷达每秒完成的旋转圈数；视图中的 FPS 是视图每秒绘制的次数。</translation>
+    </message>
+    <message>
+        <location line="+4"/>
+        <source>Amber: revolutions arrive incomplete or data is rejected. The Stream health window shows the last minute.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location filename="../app/RecentHealth.cpp" line="+49"/>
+        <source>%1° at %2–%3°</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+11"/>
+        <source>%1 of the last %2 revolutions incomplete, worst gap %3</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+6"/>
+        <source>1 packet rejected in the last second</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>%1 packets rejected in the last second</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+2"/>
+        <source>1 byte skipped in the last second</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>%1 bytes skipped in the last second</source>
+        <translation type="unfinished"></translation>
     </message>
 </context>
 <context>
     <name>MemoryFrames</name>
     <message>
-        <location filename="../playback/PlayerFrames.cpp" line="+11"/>
+        <location filename="../playback/PlayerFrames.cpp" line="+12"/>
         <source>Unable to parse this file</source>
         <translation>无法解析该文件</translation>
     </message>
@@ -617,19 +715,19 @@
         <translation>导出 CSV</translation>
     </message>
     <message>
-        <location filename="../playback/OffinePlayWidget.cpp" line="+144"/>
+        <location filename="../playback/OffinePlayWidget.cpp" line="+146"/>
         <location line="+5"/>
         <location line="+62"/>
         <location line="+21"/>
-        <location line="+45"/>
-        <location line="+15"/>
+        <location line="+47"/>
+        <location line="+16"/>
         <location line="+39"/>
-        <location line="+160"/>
+        <location line="+177"/>
         <source>information</source>
         <translation>提示</translation>
     </message>
     <message>
-        <location line="-280"/>
+        <location line="-300"/>
         <source>Please disconnect first!</source>
         <translation>请先断开连接！</translation>
     </message>
@@ -650,7 +748,7 @@
         <translation>录制文件 (*.txt)</translation>
     </message>
     <message>
-        <location line="+342"/>
+        <location line="+364"/>
         <location filename="../playback/PlayerBagExport.cpp" line="+31"/>
         <source>Export bag</source>
         <translation>导出 ROS bag</translation>
@@ -661,7 +759,7 @@
         <translation>将文件中的帧写入 ROS bag</translation>
     </message>
     <message>
-        <location line="-343"/>
+        <location line="-365"/>
         <source>Captures (*.pcap *.pcapng)</source>
         <translation>抓包文件 (*.pcap *.pcapng)</translation>
     </message>
@@ -671,7 +769,7 @@
         <translation>所有文件 (*)</translation>
     </message>
     <message>
-        <location line="+87"/>
+        <location line="+90"/>
         <source>Indexing %1%</source>
         <translation>正在建立索引 %1%</translation>
     </message>
@@ -681,12 +779,12 @@
         <translation>无法读取第 %1 帧：文件在打开后已被修改。之前的帧仍可播放。</translation>
     </message>
     <message>
-        <location line="+160"/>
+        <location line="+177"/>
         <source>There is an error in the input. Please enter it again</source>
         <translation>输入有误，请重新输入</translation>
     </message>
     <message>
-        <location line="+48"/>
+        <location line="+50"/>
         <location line="+7"/>
         <source>File saved</source>
         <translation>文件已保存</translation>
@@ -736,6 +834,41 @@
         <location line="+8"/>
         <source>Frame %1 cannot be read</source>
         <translation>无法读取第 %1 帧</translation>
+    </message>
+    <message>
+        <location filename="../playback/PlayerHealth.cpp" line="+82"/>
+        <source>whole · 1 packet</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+0"/>
+        <source>whole · %1 packets</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>1 packet missing</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>%1 packets missing</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>incomplete</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+4"/>
+        <source>%1 · gap %2</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>%1 · %2 gaps, widest %3</source>
+        <translation type="unfinished"></translation>
     </message>
 </context>
 <context>
@@ -802,6 +935,24 @@
         <location line="+10"/>
         <source>Cancel</source>
         <translation>取消</translation>
+    </message>
+</context>
+<context>
+    <name>RangingBearing</name>
+    <message>
+        <location filename="../display/analysis/RangingBearing.cpp" line="+36"/>
+        <source>Bearing:</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>Δx:%1 CM</source>
+        <translation type="unfinished">Δx：%1 CM</translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>Δy:%1 CM</source>
+        <translation type="unfinished">Δy：%1 CM</translation>
     </message>
 </context>
 <context>
@@ -885,7 +1036,7 @@
 <context>
     <name>RecordingFrames</name>
     <message>
-        <location filename="../playback/PlayerFrames.cpp" line="-46"/>
+        <location filename="../playback/PlayerFrames.cpp" line="-57"/>
         <source>The recording ends early (it was cut short, or it is still being written): the %1 frames before that point play. &quot;scandeck-cli repair %2&quot; makes its complete packets readable again.</source>
         <translation>录制文件提前结束（被截断，或仍在写入）：之前的 %1 帧可以播放。&quot;scandeck-cli repair %2&quot; 可以恢复其完整的数据包。</translation>
     </message>
@@ -904,6 +1055,86 @@
     </message>
 </context>
 <context>
+    <name>ReferenceFile</name>
+    <message>
+        <location filename="../display/analysis/ReferenceFile.cpp" line="+63"/>
+        <location line="+5"/>
+        <location line="+5"/>
+        <source>Cannot write %1: %2</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+10"/>
+        <source>Cannot read %1: %2</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+4"/>
+        <source>%1 is not a reference file: it is far too large for one.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+13"/>
+        <source>%1 is not a reference file: its first line does not begin with &quot;%2&quot;.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+9"/>
+        <source>%1 is not a reference file: its first line names no model.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+4"/>
+        <source>%1 is not a reference file: its first line gives no angular step.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+4"/>
+        <source>%1 is damaged at line 2: &quot;%2&quot; should name the columns.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+11"/>
+        <source>%1 is damaged at line %2: %3</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+5"/>
+        <source>a line holds an azimuth and a range, separated by a comma.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+3"/>
+        <source>&quot;%1&quot; is no azimuth from 0 up to 360 degrees.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+5"/>
+        <source>azimuth %1 is not one of the directions of a %2° step.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+3"/>
+        <source>azimuth %1 is given twice.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+5"/>
+        <source>&quot;%1&quot; is no range in metres.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+10"/>
+        <source>This reference was taken with a %1, not with a %2: a reference only fits the model it was taken with.</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+6"/>
+        <source>This reference was taken at an angular step of %1°, but the lidar measures every %2°: its directions do not match.</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
     <name>RenderRateTip</name>
     <message>
         <location filename="../app/RenderRateTip.cpp" line="+22"/>
@@ -914,7 +1145,7 @@
 <context>
     <name>ScanDeck</name>
     <message>
-        <location filename="../app/ScanDeckWiring.cpp" line="+169"/>
+        <location filename="../app/ScanDeckWiring.cpp" line="+119"/>
         <source>restart</source>
         <translation>重启</translation>
     </message>
@@ -926,14 +1157,14 @@
     <message>
         <location filename="../app/CsvExportControl.cpp" line="+21"/>
         <location line="+53"/>
-        <location filename="../app/LiveControls.cpp" line="+216"/>
+        <location filename="../app/LiveControls.cpp" line="+220"/>
         <location filename="../app/main.cpp" line="+41"/>
         <location filename="../app/ScanDeckWiring.cpp" line="+19"/>
         <source>warning</source>
         <translation>警告</translation>
     </message>
     <message>
-        <location filename="../app/WindowStatusBar.cpp" line="+64"/>
+        <location filename="../app/WindowStatusBar.cpp" line="+65"/>
         <source>Point Cloud Library</source>
         <translation>点云库 PCL</translation>
     </message>
@@ -943,19 +1174,19 @@
         <translation>显示滞后：已跳过 %1 帧</translation>
     </message>
     <message>
-        <location filename="../app/ScanDeckWiring.cpp" line="-243"/>
-        <location line="+248"/>
+        <location filename="../app/ScanDeckWiring.cpp" line="-190"/>
+        <location line="+195"/>
         <source>File saved</source>
         <translation>文件已保存</translation>
     </message>
     <message>
-        <location line="-248"/>
-        <location line="+248"/>
+        <location line="-195"/>
+        <location line="+195"/>
         <source>File save path:%1</source>
         <translation>文件保存路径：%1</translation>
     </message>
     <message>
-        <location filename="../app/ScanDeck.cpp" line="+358"/>
+        <location filename="../app/ScanDeck.cpp" line="+340"/>
         <location line="+3"/>
         <location line="+32"/>
         <source>question</source>
@@ -972,7 +1203,7 @@
         <translation>正在导出 CSV 数据，退出程序前是否保存数据？</translation>
     </message>
     <message>
-        <location filename="../app/LiveControls.cpp" line="-82"/>
+        <location filename="../app/LiveControls.cpp" line="-84"/>
         <location line="+12"/>
         <location line="+6"/>
         <source>information</source>
@@ -995,14 +1226,14 @@
         <translation>自动连接失败，请手动连接雷达！</translation>
     </message>
     <message>
-        <location line="+25"/>
+        <location line="+27"/>
         <location line="+22"/>
         <source>Please connect the radar first</source>
         <translation>请先连接雷达</translation>
     </message>
     <message>
-        <location line="-74"/>
-        <location line="+56"/>
+        <location line="-76"/>
+        <location line="+58"/>
         <source>pause</source>
         <translation>暂停</translation>
     </message>
@@ -1022,13 +1253,13 @@
         <translation>无法创建文件 %1</translation>
     </message>
     <message>
-        <location line="-88"/>
-        <location line="+91"/>
+        <location line="-90"/>
+        <location line="+93"/>
         <source>Recording data</source>
         <translation>正在录制数据</translation>
     </message>
     <message>
-        <location filename="../app/ScanDeck.cpp" line="-167"/>
+        <location filename="../app/ScanDeck.cpp" line="-156"/>
         <source>settting a save path</source>
         <translation>设置保存路径</translation>
     </message>
@@ -1042,7 +1273,7 @@
         <location line="+17"/>
         <location line="+43"/>
         <location line="+8"/>
-        <location filename="../app/ScanDeck.cpp" line="+54"/>
+        <location filename="../app/ScanDeck.cpp" line="+43"/>
         <source>Export CSV</source>
         <translation>导出 CSV</translation>
     </message>
@@ -1547,6 +1778,72 @@
         <location line="+24"/>
         <source>Lidar connection failed</source>
         <translation>雷达连接失败</translation>
+    </message>
+</context>
+<context>
+    <name>StreamHealthDock</name>
+    <message>
+        <location filename="../app/StreamHealthDock.cpp" line="+122"/>
+        <source>No data yet</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+5"/>
+        <source>Last second: %1 packets, %2 revolutions (%3 incomplete, %4 packets missing), %5 rejected packets, %6 bytes skipped, %7 replies, %8 revolutions not drawn</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+14"/>
+        <source>Stream health</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>Packets per second</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>Coverage of each revolution (%)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>Rejected packets and skipped bytes per second</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>Revolution period (ms)</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>rejected packets</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>skipped bytes</source>
+        <translation type="unfinished"></translation>
+    </message>
+</context>
+<context>
+    <name>StreamHealthView</name>
+    <message>
+        <location filename="../app/StreamHealthView.cpp" line="+159"/>
+        <source>Show gaps</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>Show gaps – the parts of the circle the frame shown did not cover</source>
+        <translation type="unfinished"></translation>
+    </message>
+    <message>
+        <location line="+2"/>
+        <source>Stream health – packets, coverage, rejected data and revolution period of the live stream</source>
+        <translation type="unfinished"></translation>
     </message>
 </context>
 <context>

@@ -5,7 +5,7 @@
 set -e
 cd "$(dirname "$0")"
 dirs=""
-for d in connect app playback export display measure device widgets lidar; do
+for d in connect app analysis playback export display measure device widgets lidar; do
     [ -d "../$d" ] && dirs="$dirs ../$d"
 done
 lupdate -no-obsolete -locations relative -target-language zh_CN $dirs -ts scandeck_zh.ts

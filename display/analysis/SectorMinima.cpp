@@ -10,6 +10,11 @@ namespace {
 
 double normalised(double degrees)
 {
+    // Within the turn or one above it: no fmod, which costs more than the rest of a point.
+    if (degrees >= 0.0 && degrees < 360.0)
+        return degrees;
+    if (degrees >= 360.0 && degrees < 720.0)
+        return degrees - 360.0;
     const double turn = std::fmod(degrees, 360.0);
     return turn < 0.0 ? turn + 360.0 : turn;
 }

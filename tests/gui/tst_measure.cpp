@@ -325,8 +325,10 @@ void MeasureTest::labelsFaceTheCamera()
     auto view = vtkSmartPointer<vtkCamera>::New();
     view->SetPosition(0, 0, 15);
     auto labels = vtkSmartPointer<FacingLabels>::New();
+    // Texts are put together from cached characters: spaces and signs too.
     const std::vector<FacingLabels::Label> given{{"near", "100CM", {0, 1, 0}, 0.1},
-                                                 {"far", "-1900CM", {-19, 0, 0}, 0.02}};
+                                                 {"far", "-1900CM", {-19, 0, 0}, 0.02},
+                                                 {"sector", "4.95M @45  x", {3, 2, 0}, 0.12}};
     labels->setLabels(given, view);
     view->SetPosition(camera[0], camera[1], camera[2]);
     view->SetFocalPoint(camera[3], camera[4], camera[5]);
@@ -419,7 +421,9 @@ void MeasureTest::picking()
     QVERIFY(label3D(w, "m_ranging_text").endsWith('M'));
     clickAt(w, drawnAt(w, 1.0, 0.0));
     QCOMPARE(label3D(w, "m_ranging_text"), QStringLiteral("2.00M"));
-    QCOMPARE(w->statusBar()->currentMessage(), QStringLiteral("Distance between two points:2.00"));
+    // The distance first, as it always read; the bearing and offsets after it.
+    QCOMPARE(w->statusBar()->currentMessage(),
+             QString::fromUtf8("Distance between two points:2.00  Bearing:0.00°  Δx:200.00 CM  Δy:0.00 CM"));
     QCOMPARE(table->rowCount(), 2);
     QCOMPARE(table->item(1, 2)->text(), QStringLiteral("90.00"));
     // A new frame keeps ranging on and the fixed line in place.
@@ -451,9 +455,16 @@ void MeasureTest::rangingPairs_data()
     QTest::addColumn<QPointF>("b");
     QTest::addColumn<QString>("label");
     QTest::addColumn<double>("scale");
-    QTest::newRow("3 m along x") << QPointF(-1.5, 0) << QPointF(1.5, 0) << "3.00M" << 0.18;
-    QTest::newRow("the same point twice") << QPointF(1, 1) << QPointF(1, 1) << "0.00M" << 0.0;
-    QTest::newRow("diagonal") << QPointF(1, 1) << QPointF(-1, -2) << "3.61M" << std::sqrt(13.0f) * 0.06;
+    // What follows the distance in the status bar.
+    QTest::addColumn<QString>("bearing");
+    QTest::newRow("3 m along x") << QPointF(-1.5, 0) << QPointF(1.5, 0) << "3.00M" << 0.18
+                                 << "  Bearing:0.00°  Δx:300.00 CM  Δy:0.00 CM";
+    QTest::newRow("the same point twice") << QPointF(1, 1) << QPointF(1, 1) << "0.00M" << 0.0
+                                          << "  Bearing:  Δx:0.00 CM  Δy:0.00 CM";
+    QTest::newRow("diagonal") << QPointF(1, 1) << QPointF(-1, -2) << "3.61M" << std::sqrt(13.0f) * 0.06
+                              << "  Bearing:236.31°  Δx:-200.00 CM  Δy:-300.00 CM";
+    QTest::newRow("back along -x") << QPointF(1, 0) << QPointF(-1, 0) << "2.00M" << 0.12
+                                   << "  Bearing:180.00°  Δx:-200.00 CM  Δy:0.00 CM";
 }
 
 void MeasureTest::rangingPairs()
@@ -462,6 +473,7 @@ void MeasureTest::rangingPairs()
     QFETCH(QPointF, b);
     QFETCH(QString, label);
     QFETCH(double, scale);
+    QFETCH(QString, bearing);
     auto window = openWindow();
     ScanDeck* w = window.get();
     w->showFrame(makeFrame({{0, float(a.x()), float(a.y()), 10, 10}, {0, float(b.x()), float(b.y()), 20, 10}}));
@@ -472,7 +484,7 @@ void MeasureTest::rangingPairs()
     auto* text = vtkFollower::SafeDownCast(shape(w, "m_ranging_text"));
     QVERIFY(std::abs(text->GetScale()[0] - scale) < 1e-6);
     QCOMPARE(text->GetPosition()[0], (a.x() + b.x()) / 2);
-    QCOMPARE(w->statusBar()->currentMessage(), "Distance between two points:" + label.chopped(1));
+    QCOMPARE(w->statusBar()->currentMessage(), "Distance between two points:" + label.chopped(1) + bearing);
 }
 
 // A rubber band dragged over two points makes the box; the dialog shows and
