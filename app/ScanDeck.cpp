@@ -138,8 +138,7 @@ void ScanDeck::initUi()
 
 void ScanDeck::initViewer()
 {
-    // The viewer draws into the widget's render window and uses the
-    // widget's interactor instead of making its own.
+    // The viewer draws into the widget's window, with the widget's interactor.
     auto firstRenderer = vtkSmartPointer<vtkRenderer>::New();
     m_viewer = std::make_shared<pcl::visualization::PCLVisualizer>(firstRenderer, m_renderWindow, "m_viewer", false);
     // Multisampling costs two thirds of the frame time on software OpenGL
@@ -174,8 +173,7 @@ void ScanDeck::initTable()
     QTableView* table = ui->tableView_point_cloud;
     table->setModel(m_tableModel);
     table->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    // Every column as wide as its contents; the table scrolls sideways
-    // rather than cutting a cell.
+    // Columns as wide as their contents: the table scrolls rather than cut a cell.
     table->horizontalHeader()->setStretchLastSection(false);
     table->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
     table->setAlternatingRowColors(true);

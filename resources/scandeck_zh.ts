@@ -20,6 +20,54 @@
     </message>
 </context>
 <context>
+    <name>AnalysisTools</name>
+    <message>
+        <location filename="../app/AnalysisTools.cpp" line="+131"/>
+        <source>Analysis</source>
+        <translation>分析</translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>Analysis – reference and change, range statistics, closest per sector</source>
+        <translation>分析 – 参考与变化、距离统计、各扇区最近点</translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>Set reference</source>
+        <translation>设置参考</translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>The frame on screen or the median over the next frames; then points are coloured by their change</source>
+        <translation>当前显示的帧或接下来若干帧的中值；之后点按变化着色</translation>
+    </message>
+    <message>
+        <location line="+2"/>
+        <source>Range statistics</source>
+        <translation>距离统计</translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>Statistics over N frames – return rate and spread of every direction</source>
+        <translation>N 帧统计 – 每个方向的回波率与离散度</translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>Closest per sector</source>
+        <translation>各扇区最近点</translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>The nearest return in each sector around the lidar</source>
+        <translation>雷达周围每个扇区内最近的回波</translation>
+    </message>
+    <message>
+        <location line="+41"/>
+        <source>Change</source>
+        <translation>变化</translation>
+    </message>
+</context>
+<context>
     <name>AutoConnector</name>
     <message>
         <location filename="../app/AutoConnector.cpp" line="+15"/>
@@ -179,17 +227,17 @@
     <message>
         <location filename="../display/ChangeColouring.cpp" line="+23"/>
         <source>nearer by more than %1 cm</source>
-        <translation type="unfinished"></translation>
+        <translation>近了超过 %1 厘米</translation>
     </message>
     <message>
         <location line="+2"/>
         <source>within ±%1 cm</source>
-        <translation type="unfinished"></translation>
+        <translation>在 ±%1 厘米以内</translation>
     </message>
     <message>
         <location line="+3"/>
         <source>farther by more than %1 cm</source>
-        <translation type="unfinished"></translation>
+        <translation>远了超过 %1 厘米</translation>
     </message>
 </context>
 <context>
@@ -393,32 +441,32 @@
     <message>
         <location filename="../device/GpsTimingCharts.cpp" line="+139"/>
         <source>No GPS time stamps yet</source>
-        <translation type="unfinished"></translation>
+        <translation>尚无 GPS 时间戳</translation>
     </message>
     <message>
         <location line="+2"/>
         <source>%1 ppm</source>
-        <translation type="unfinished"></translation>
+        <translation>%1 ppm</translation>
     </message>
     <message>
         <location line="+0"/>
         <source>not known yet</source>
-        <translation type="unfinished"></translation>
+        <translation>尚未知</translation>
     </message>
     <message>
         <location line="+1"/>
         <source>Packet time minus computer time: %1 ms; drift over the last minute: %2</source>
-        <translation type="unfinished"></translation>
+        <translation>数据包时间减计算机时间：%1 毫秒；最近一分钟的漂移：%2</translation>
     </message>
     <message>
         <location line="+32"/>
         <source>Interval from packet to packet (ms) over time (s)</source>
-        <translation type="unfinished"></translation>
+        <translation>数据包间隔（毫秒）随时间（秒）</translation>
     </message>
     <message>
         <location line="+1"/>
         <source>Packet time minus computer time, change since the first packet (ms)</source>
-        <translation type="unfinished"></translation>
+        <translation>数据包时间减计算机时间，相对第一个数据包的变化（毫秒）</translation>
     </message>
 </context>
 <context>
@@ -495,12 +543,12 @@
     <message>
         <location line="+1"/>
         <source>Next incomplete frame (recording)</source>
-        <translation type="unfinished"></translation>
+        <translation>下一个不完整帧（录制文件）</translation>
     </message>
     <message>
         <location line="+2"/>
         <source>Previous incomplete frame (recording)</source>
-        <translation type="unfinished"></translation>
+        <translation>上一个不完整帧（录制文件）</translation>
     </message>
     <message>
         <location filename="../app/ScanDeckWiring.cpp" line="+8"/>
@@ -576,7 +624,7 @@
     <message>
         <location line="+11"/>
         <source>%1 — %2</source>
-        <translation type="unfinished"></translation>
+        <translation>%1 — %2</translation>
     </message>
     <message>
         <location line="+1"/>
@@ -586,37 +634,37 @@
     <message>
         <location line="+4"/>
         <source>Amber: revolutions arrive incomplete or data is rejected. The Stream health window shows the last minute.</source>
-        <translation type="unfinished"></translation>
+        <translation>琥珀色：收到的圈不完整或有数据被拒收。“数据流健康”窗口显示最近一分钟的情况。</translation>
     </message>
     <message>
         <location filename="../app/RecentHealth.cpp" line="+49"/>
         <source>%1° at %2–%3°</source>
-        <translation type="unfinished"></translation>
+        <translation>%1°，位于 %2–%3°</translation>
     </message>
     <message>
         <location line="+11"/>
         <source>%1 of the last %2 revolutions incomplete, worst gap %3</source>
-        <translation type="unfinished"></translation>
+        <translation>最近 %2 圈中有 %1 圈不完整，最大缺口 %3</translation>
     </message>
     <message>
         <location line="+6"/>
         <source>1 packet rejected in the last second</source>
-        <translation type="unfinished"></translation>
+        <translation>最近一秒拒收 1 个数据包</translation>
     </message>
     <message>
         <location line="+1"/>
         <source>%1 packets rejected in the last second</source>
-        <translation type="unfinished"></translation>
+        <translation>最近一秒拒收 %1 个数据包</translation>
     </message>
     <message>
         <location line="+2"/>
         <source>1 byte skipped in the last second</source>
-        <translation type="unfinished"></translation>
+        <translation>最近一秒跳过 1 个字节</translation>
     </message>
     <message>
         <location line="+1"/>
         <source>%1 bytes skipped in the last second</source>
-        <translation type="unfinished"></translation>
+        <translation>最近一秒跳过 %1 个字节</translation>
     </message>
 </context>
 <context>
@@ -838,37 +886,37 @@
     <message>
         <location filename="../playback/PlayerHealth.cpp" line="+82"/>
         <source>whole · 1 packet</source>
-        <translation type="unfinished"></translation>
+        <translation>完整 · 1 个数据包</translation>
     </message>
     <message>
         <location line="+0"/>
         <source>whole · %1 packets</source>
-        <translation type="unfinished"></translation>
+        <translation>完整 · %1 个数据包</translation>
     </message>
     <message>
         <location line="+1"/>
         <source>1 packet missing</source>
-        <translation type="unfinished"></translation>
+        <translation>缺少 1 个数据包</translation>
     </message>
     <message>
         <location line="+1"/>
         <source>%1 packets missing</source>
-        <translation type="unfinished"></translation>
+        <translation>缺少 %1 个数据包</translation>
     </message>
     <message>
         <location line="+1"/>
         <source>incomplete</source>
-        <translation type="unfinished"></translation>
+        <translation>不完整</translation>
     </message>
     <message>
         <location line="+4"/>
         <source>%1 · gap %2</source>
-        <translation type="unfinished"></translation>
+        <translation>%1 · 缺口 %2</translation>
     </message>
     <message>
         <location line="+1"/>
         <source>%1 · %2 gaps, widest %3</source>
-        <translation type="unfinished"></translation>
+        <translation>%1 · %2 个缺口，最大 %3</translation>
     </message>
 </context>
 <context>
@@ -942,17 +990,17 @@
     <message>
         <location filename="../display/analysis/RangingBearing.cpp" line="+36"/>
         <source>Bearing:</source>
-        <translation type="unfinished"></translation>
+        <translation>方位：</translation>
     </message>
     <message>
         <location line="+1"/>
         <source>Δx:%1 CM</source>
-        <translation type="unfinished">Δx：%1 CM</translation>
+        <translation>Δx:%1 CM</translation>
     </message>
     <message>
         <location line="+1"/>
         <source>Δy:%1 CM</source>
-        <translation type="unfinished">Δy：%1 CM</translation>
+        <translation>Δy:%1 CM</translation>
     </message>
 </context>
 <context>
@@ -1055,83 +1103,213 @@
     </message>
 </context>
 <context>
+    <name>ReferenceDock</name>
+    <message>
+        <location filename="../analysis/ReferenceDock.cpp" line="+75"/>
+        <source>Collecting %1 of %2 frames…</source>
+        <translation>正在收集第 %1 / %2 帧…</translation>
+    </message>
+    <message>
+        <location line="+10"/>
+        <location line="+74"/>
+        <source>Set reference</source>
+        <translation>设置参考</translation>
+    </message>
+    <message>
+        <location line="-68"/>
+        <location line="+3"/>
+        <location line="+3"/>
+        <source>Save reference</source>
+        <translation>保存参考</translation>
+    </message>
+    <message>
+        <location line="-6"/>
+        <source>There is no reference to save.</source>
+        <translation>没有可保存的参考。</translation>
+    </message>
+    <message>
+        <location line="+11"/>
+        <location line="+3"/>
+        <source>Load reference</source>
+        <translation>加载参考</translation>
+    </message>
+    <message>
+        <location line="+5"/>
+        <source>Reference (*.csv)</source>
+        <translation>参考文件 (*.csv)</translation>
+    </message>
+    <message>
+        <location line="+10"/>
+        <source>Changed: no point compared</source>
+        <translation>变化：没有可比较的点</translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>Changed: %1 points (nearer %2, farther %3)</source>
+        <translation>变化：%1 个点（变近 %2，变远 %3）</translation>
+    </message>
+    <message>
+        <location line="+5"/>
+        <source>; largest %1 m at %2°</source>
+        <translation>；最大 %1 米，位于 %2°</translation>
+    </message>
+    <message>
+        <location line="+9"/>
+        <source>No reference</source>
+        <translation>无参考</translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>The reference was dropped: %1</source>
+        <translation>参考已被丢弃：%1</translation>
+    </message>
+    <message>
+        <location line="+2"/>
+        <source>Reference of %1, step %2°, %3 of %4 directions with a range</source>
+        <translation>%1 的参考，步长 %2°，%4 个方向中 %3 个有距离</translation>
+    </message>
+    <message>
+        <location line="+18"/>
+        <source>Reference and change</source>
+        <translation>参考与变化</translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>Median over frames</source>
+        <translation>多帧中值</translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>1: the frame on screen; more: the median of each direction over the next frames</source>
+        <translation>1：当前显示的帧；更多：接下来若干帧每个方向的中值</translation>
+    </message>
+    <message>
+        <location line="+2"/>
+        <source>Change colouring</source>
+        <translation>变化着色</translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>Tolerance</source>
+        <translation>容差</translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>Save…</source>
+        <translation>保存…</translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>Load…</source>
+        <translation>加载…</translation>
+    </message>
+</context>
+<context>
     <name>ReferenceFile</name>
     <message>
         <location filename="../display/analysis/ReferenceFile.cpp" line="+63"/>
         <location line="+5"/>
         <location line="+5"/>
         <source>Cannot write %1: %2</source>
-        <translation type="unfinished"></translation>
+        <translation>无法写入 %1：%2</translation>
     </message>
     <message>
         <location line="+10"/>
         <source>Cannot read %1: %2</source>
-        <translation type="unfinished"></translation>
+        <translation>无法读取 %1：%2</translation>
     </message>
     <message>
         <location line="+4"/>
         <source>%1 is not a reference file: it is far too large for one.</source>
-        <translation type="unfinished"></translation>
+        <translation>%1 不是参考文件：文件太大。</translation>
     </message>
     <message>
         <location line="+13"/>
         <source>%1 is not a reference file: its first line does not begin with &quot;%2&quot;.</source>
-        <translation type="unfinished"></translation>
+        <translation>%1 不是参考文件：第一行不是以“%2”开头。</translation>
     </message>
     <message>
         <location line="+9"/>
         <source>%1 is not a reference file: its first line names no model.</source>
-        <translation type="unfinished"></translation>
+        <translation>%1 不是参考文件：第一行没有型号。</translation>
     </message>
     <message>
         <location line="+4"/>
         <source>%1 is not a reference file: its first line gives no angular step.</source>
-        <translation type="unfinished"></translation>
+        <translation>%1 不是参考文件：第一行没有角度步长。</translation>
     </message>
     <message>
         <location line="+4"/>
         <source>%1 is damaged at line 2: &quot;%2&quot; should name the columns.</source>
-        <translation type="unfinished"></translation>
+        <translation>%1 在第 2 行损坏：“%2”应为列名。</translation>
     </message>
     <message>
         <location line="+11"/>
         <source>%1 is damaged at line %2: %3</source>
-        <translation type="unfinished"></translation>
+        <translation>%1 在第 %2 行损坏：%3</translation>
     </message>
     <message>
         <location line="+5"/>
         <source>a line holds an azimuth and a range, separated by a comma.</source>
-        <translation type="unfinished"></translation>
+        <translation>每行包含一个方位角和一个距离，以逗号分隔。</translation>
     </message>
     <message>
         <location line="+3"/>
         <source>&quot;%1&quot; is no azimuth from 0 up to 360 degrees.</source>
-        <translation type="unfinished"></translation>
+        <translation>“%1”不是 0 到 360 度之间的方位角。</translation>
     </message>
     <message>
         <location line="+5"/>
         <source>azimuth %1 is not one of the directions of a %2° step.</source>
-        <translation type="unfinished"></translation>
+        <translation>方位角 %1 不是 %2° 步长的方向之一。</translation>
     </message>
     <message>
         <location line="+3"/>
         <source>azimuth %1 is given twice.</source>
-        <translation type="unfinished"></translation>
+        <translation>方位角 %1 出现了两次。</translation>
     </message>
     <message>
         <location line="+5"/>
         <source>&quot;%1&quot; is no range in metres.</source>
-        <translation type="unfinished"></translation>
+        <translation>“%1”不是以米为单位的距离。</translation>
     </message>
     <message>
         <location line="+10"/>
         <source>This reference was taken with a %1, not with a %2: a reference only fits the model it was taken with.</source>
-        <translation type="unfinished"></translation>
+        <translation>此参考由 %1 采集，而不是 %2：参考只适用于采集它的型号。</translation>
     </message>
     <message>
         <location line="+6"/>
         <source>This reference was taken at an angular step of %1°, but the lidar measures every %2°: its directions do not match.</source>
-        <translation type="unfinished"></translation>
+        <translation>此参考的角度步长为 %1°，而雷达每 %2° 测量一次：方向不匹配。</translation>
+    </message>
+</context>
+<context>
+    <name>ReferenceTool</name>
+    <message>
+        <location filename="../analysis/ReferenceTool.cpp" line="+69"/>
+        <source>No lidar is connected and no recording is loaded: there is nothing to take a reference from.</source>
+        <translation>未连接雷达，也未加载录制文件：没有可用作参考的数据。</translation>
+    </message>
+    <message>
+        <location line="+6"/>
+        <source>There is no frame on screen to take the reference from.</source>
+        <translation>当前没有显示的帧可用作参考。</translation>
+    </message>
+    <message>
+        <location line="+19"/>
+        <source>The frames of the recording cannot be read.</source>
+        <translation>无法读取录制文件中的帧。</translation>
+    </message>
+    <message>
+        <location line="+30"/>
+        <source>There is no reference to save.</source>
+        <translation>没有可保存的参考。</translation>
+    </message>
+    <message>
+        <location line="+10"/>
+        <source>Connect a lidar or load a recording first: a reference is checked against the model it is compared with.</source>
+        <translation>请先连接雷达或加载录制文件：参考需要与所比较的型号核对。</translation>
     </message>
 </context>
 <context>
@@ -1655,6 +1833,44 @@
     </message>
 </context>
 <context>
+    <name>SectorDock</name>
+    <message>
+        <location filename="../analysis/SectorDock.cpp" line="+71"/>
+        <source>Nearest: %1 m at %2°</source>
+        <translation>最近：%1 米，位于 %2°</translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>Nearest: no return</source>
+        <translation>最近：无回波</translation>
+    </message>
+    <message>
+        <location line="+5"/>
+        <source>Closest per sector</source>
+        <translation>各扇区最近点</translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>Sectors</source>
+        <translation>扇区数</translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>Sector (°)</source>
+        <translation>扇区 (°)</translation>
+    </message>
+    <message>
+        <location line="+0"/>
+        <source>Distance (m)</source>
+        <translation>距离 (米)</translation>
+    </message>
+    <message>
+        <location line="+0"/>
+        <source>Azimuth (°)</source>
+        <translation>方位角 (°)</translation>
+    </message>
+</context>
+<context>
     <name>SelectConnectType</name>
     <message>
         <location filename="../connect/SelectConnectType.ui" line="+19"/>
@@ -1781,51 +1997,145 @@
     </message>
 </context>
 <context>
+    <name>StatisticsDock</name>
+    <message>
+        <location filename="../analysis/StatisticsDock.cpp" line="+125"/>
+        <location line="+103"/>
+        <source>Range statistics</source>
+        <translation>距离统计</translation>
+    </message>
+    <message>
+        <location line="-98"/>
+        <source>CSV (*.csv)</source>
+        <translation>CSV (*.csv)</translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <location line="+1"/>
+        <location line="+4"/>
+        <source>Export statistics</source>
+        <translation>导出统计</translation>
+    </message>
+    <message>
+        <location line="+5"/>
+        <source>Collecting %1 of %2 frames…</source>
+        <translation>正在收集第 %1 / %2 帧…</translation>
+    </message>
+    <message>
+        <location line="+24"/>
+        <source>%1 frames, %2 directions of %3°</source>
+        <translation>%1 帧，%2 个方向，每 %3°</translation>
+    </message>
+    <message>
+        <location line="+32"/>
+        <source>Ranges at %1° (m)</source>
+        <translation>%1° 处的距离 (米)</translation>
+    </message>
+    <message>
+        <location line="+32"/>
+        <source>Statistics over frames</source>
+        <translation>多帧统计</translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>Collect</source>
+        <translation>收集</translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>Export CSV…</source>
+        <translation>导出 CSV…</translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>Standard deviation (cm) against azimuth (°)</source>
+        <translation>标准差 (厘米) 随方位角 (°)</translation>
+    </message>
+    <message>
+        <location line="+1"/>
+        <source>Return rate (%) against azimuth (°)</source>
+        <translation>回波率 (%) 随方位角 (°)</translation>
+    </message>
+    <message>
+        <location line="+2"/>
+        <source>Ranges of the direction under the cursor (m)</source>
+        <translation>光标所在方向的距离 (米)</translation>
+    </message>
+    <message>
+        <location line="+2"/>
+        <source>No statistics yet</source>
+        <translation>尚无统计</translation>
+    </message>
+</context>
+<context>
+    <name>StatisticsRun</name>
+    <message>
+        <location filename="../analysis/StatisticsRun.cpp" line="+35"/>
+        <source>No lidar is connected and no recording is loaded: there are no frames to collect.</source>
+        <translation>未连接雷达，也未加载录制文件：没有可收集的帧。</translation>
+    </message>
+    <message>
+        <location line="+12"/>
+        <source>The frames of the recording cannot be read.</source>
+        <translation>无法读取录制文件中的帧。</translation>
+    </message>
+    <message>
+        <location line="+31"/>
+        <source>There are no statistics to export.</source>
+        <translation>没有可导出的统计。</translation>
+    </message>
+    <message>
+        <location line="+5"/>
+        <source>%1 cannot be written: %2</source>
+        <translation>无法写入 %1：%2</translation>
+    </message>
+</context>
+<context>
     <name>StreamHealthDock</name>
     <message>
         <location filename="../app/StreamHealthDock.cpp" line="+122"/>
         <source>No data yet</source>
-        <translation type="unfinished"></translation>
+        <translation>尚无数据</translation>
     </message>
     <message>
         <location line="+5"/>
         <source>Last second: %1 packets, %2 revolutions (%3 incomplete, %4 packets missing), %5 rejected packets, %6 bytes skipped, %7 replies, %8 revolutions not drawn</source>
-        <translation type="unfinished"></translation>
+        <translation>最近一秒：%1 个数据包，%2 圈（%3 圈不完整，缺少 %4 个数据包），拒收 %5 个数据包，跳过 %6 个字节，%7 个应答，%8 圈未绘制</translation>
     </message>
     <message>
         <location line="+14"/>
         <source>Stream health</source>
-        <translation type="unfinished"></translation>
+        <translation>数据流健康</translation>
     </message>
     <message>
         <location line="+1"/>
         <source>Packets per second</source>
-        <translation type="unfinished"></translation>
+        <translation>每秒数据包数</translation>
     </message>
     <message>
         <location line="+1"/>
         <source>Coverage of each revolution (%)</source>
-        <translation type="unfinished"></translation>
+        <translation>每圈覆盖率（%）</translation>
     </message>
     <message>
         <location line="+1"/>
         <source>Rejected packets and skipped bytes per second</source>
-        <translation type="unfinished"></translation>
+        <translation>每秒拒收数据包与跳过字节</translation>
     </message>
     <message>
         <location line="+1"/>
         <source>Revolution period (ms)</source>
-        <translation type="unfinished"></translation>
+        <translation>旋转周期（毫秒）</translation>
     </message>
     <message>
         <location line="+1"/>
         <source>rejected packets</source>
-        <translation type="unfinished"></translation>
+        <translation>拒收数据包</translation>
     </message>
     <message>
         <location line="+1"/>
         <source>skipped bytes</source>
-        <translation type="unfinished"></translation>
+        <translation>跳过字节</translation>
     </message>
 </context>
 <context>
@@ -1833,17 +2143,17 @@
     <message>
         <location filename="../app/StreamHealthView.cpp" line="+159"/>
         <source>Show gaps</source>
-        <translation type="unfinished"></translation>
+        <translation>显示缺口</translation>
     </message>
     <message>
         <location line="+1"/>
         <source>Show gaps – the parts of the circle the frame shown did not cover</source>
-        <translation type="unfinished"></translation>
+        <translation>显示缺口 – 当前帧未覆盖的角度范围</translation>
     </message>
     <message>
         <location line="+2"/>
         <source>Stream health – packets, coverage, rejected data and revolution period of the live stream</source>
-        <translation type="unfinished"></translation>
+        <translation>数据流健康 – 实时数据流的数据包、覆盖率、拒收数据与旋转周期</translation>
     </message>
 </context>
 <context>
