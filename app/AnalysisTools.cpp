@@ -85,7 +85,7 @@ void AnalysisTools::addButtons()
     m_button->setIcon(toolicons::statistics());
     m_button->setIconSize(QSize(20, 20));
     m_button->setAutoRaise(true);
-    m_button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    m_button->setToolButtonStyle(Qt::ToolButtonIconOnly);  // the row is full on a 1024-pixel screen
     m_button->setPopupMode(QToolButton::InstantPopup);
     auto* menu = new QMenu(m_button);
     auto makeAction = [&](const char* name, const QIcon& icon, bool checkable) {

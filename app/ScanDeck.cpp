@@ -199,7 +199,6 @@ void ScanDeck::initParts()
                                statusBar(), m_tableModel},
         MeasureTools::Parts{*m_viewer, *m_display, *m_box, *m_ranging, *m_status->readouts},
         [this] { return m_pointSize; }, [this] { return isLidarConnected() && !isPlaying(); });
-    new AnalysisTools(*this, *m_display, m_settings, m_legend);  // a child, with its buttons and docks
 
     m_devicePanel = new DeviceSettingsPanel(
         {ui->btn_motor_state, ui->comboBox_motor_filter, ui->comboBox_motor_frequency, ui->btn_GPS_test}, this);
@@ -208,6 +207,7 @@ void ScanDeck::initParts()
     auto* health = new StreamHealthView(this, {*m_viewer, render, m_status->link, m_liveFrames, ui->offline},
                                         {ui->horizontalLayout_tools, ui->btn_legend});
     m_display->setOverlays({m_grid.get(), m_polar.get(), m_box.get(), m_ranging.get(), m_legend, health->gaps()});
+    new AnalysisTools(*this, *m_display, m_settings, m_legend);  // a child, with its buttons and docks
     LiveControls::Window around;
     around.window = this;
     around.connector = this;

@@ -148,7 +148,7 @@ bool isKeptWord(const QString& word)
 {
     static const QSet<QString> kept = {"ScanDeck", "English", "FPS", "CSV", "PCD", "PLY",  "PNG",   "GPS",
                                        "IP",       "UDP",     "PCL", "ID",  "XYZ", "CM",   "hz",    "kB",
-                                       "MB",       "pkt",     "Ctrl", "Space", "Left", "Right", "Home", "End",
+                                       "MB",       "pkt",     "Ctrl", "Shift", "Space", "Left", "Right", "Home", "End",
                                        "ROS",      "bag"};
     return kept.contains(word) || word.startsWith(QLatin1String("tty"));
 }
