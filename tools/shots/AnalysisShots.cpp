@@ -1,7 +1,8 @@
 // scandeck-analysis-shots: the README's pictures of the stream's health and
 // of the analysis tools, taken from the real window on the demo lidar
-// (simulated, loopback only) over a link that loses packets, and from the
-// player on a recording with packets missing. Run it under a virtual
+// (simulated, loopback only) over a link that loses packets and over a
+// clean one, and from the player on a recording with packets missing and on
+// a frame of the room rearranged. Run it under a virtual
 // display of the README's size, from the build directory:
 //   xvfb-run -a -s "-screen 0 1600x900x24" ./scandeck-analysis-shots ../docs
 
@@ -14,11 +15,15 @@
 #include "SimModel.h"
 #include "SimRecording.h"
 
+#include <QAction>
 #include <QApplication>
+#include <QCheckBox>
 #include <QDir>
 #include <QFile>
+#include <QSpinBox>
 #include <QTabWidget>
 #include <QTemporaryDir>
+#include <cmath>
 
 namespace {
 
@@ -51,6 +56,29 @@ bool writeLossyRecording(sim::Model model, int revolutions, const QString& path,
         return false;
     }
     return true;
+}
+
+// The frame with a crate set down 0.8 m in front of the wall between 40 and
+// 60 degrees and the door at 200 to 215 degrees opened half a metre.
+lidar::LidarDataPoint_V4 rearranged(lidar::LidarDataPoint_V4 frame)
+{
+    for (std::vector<lidar::LidarPoint>& line : frame.points) {
+        for (lidar::LidarPoint& p : line) {
+            const double shift = p.azimuth >= 40 && p.azimuth <= 60 ? -800 : p.azimuth >= 200 && p.azimuth <= 215 ? 500 : 0;
+            if (shift == 0 || p.distance <= 0)
+                continue;
+            p.distance += int32_t(shift);
+            const double rad = p.azimuth * M_PI / 180.0;
+            p.x = float(std::sin(rad) * p.distance / 1000.0);
+            p.y = float(std::cos(rad) * p.distance / 1000.0);
+        }
+    }
+    return frame;
+}
+
+void trigger(ScanDeck& window, const char* action)
+{
+    window.findChild<QAction*>(QLatin1String(action))->trigger();
 }
 
 QWidget* topLevel(const char* className)
@@ -100,8 +128,47 @@ int main(int argc, char* argv[])
             ++failedPictures;
         }
         shots::click(window, "btn_stream_health");
+        shots::click(window, "btn_show_gaps");
         shots::click(window, "btn_disconnect");
         demo.stop();
+        shots::settle(300);
+
+        // Range statistics over 50 revolutions of the room, live.
+        demo.setFaults(sim::FaultOptions());
+        if (!demo.start(DemoLidar::defaultModel(), window, &error))
+            return shots::fail(kTool, error);
+        shots::settle(1500);
+        const lidar::LidarDataPoint_V4 room = window.lastFrame();
+        trigger(window, "act_statistics");
+        window.findChild<QSpinBox*>(QStringLiteral("spin_statistics_frames"))->setValue(50);
+        shots::click(window, "btn_collect_statistics");
+        shots::settle(7000);
+        save(window, out.filePath(QStringLiteral("analysis-statistics.png")));
+        window.findChild<QWidget*>(QStringLiteral("dock_statistics"))->hide();
+        shots::click(window, "btn_disconnect");
+        demo.stop();
+        shots::settle(300);
+
+        // The room as the reference, then a crate set down and the door
+        // opened: the change colouring and the closest object per sector.
+        window.findChild<QTabWidget*>(QStringLiteral("tabWidget"))
+            ->setCurrentWidget(window.findChild<QWidget*>(QStringLiteral("tab_offline")));
+        auto* roomPlayer = window.findChild<OffinePlayWidget*>(QStringLiteral("offline"));
+        roomPlayer->loadFrames(DemoLidar::defaultModel(), {room, room, rearranged(room)});
+        shots::settle(800);
+        window.findChild<QSpinBox*>(QStringLiteral("spin_reference_frames"))->setValue(1);
+        trigger(window, "act_set_reference");
+        roomPlayer->lastFrame();
+        shots::settle(800);
+        save(window, out.filePath(QStringLiteral("analysis-change.png")));
+        window.findChild<QCheckBox*>(QStringLiteral("check_change_colouring"))->setChecked(false);
+        window.findChild<QWidget*>(QStringLiteral("dock_reference"))->hide();
+        trigger(window, "act_sectors");
+        shots::settle(800);
+        save(window, out.filePath(QStringLiteral("analysis-sectors.png")));
+        trigger(window, "act_sectors");
+        window.findChild<QWidget*>(QStringLiteral("dock_sectors"))->hide();
+        roomPlayer->stop();
         shots::settle(300);
 
         // The player on a recording with packets missing: the frame's health
