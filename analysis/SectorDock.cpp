@@ -28,7 +28,7 @@ SectorDock::SectorDock(SectorOverlay& overlay, QWidget* parent)
     m_view->setModel(m_model);
     m_view->setEditTriggers(QAbstractItemView::NoEditTriggers);
     m_view->verticalHeader()->hide();
-    m_view->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
+    m_view->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
 
     auto* body = new QWidget(this);
     auto* grid = new QGridLayout(body);

@@ -170,6 +170,7 @@ void StatisticsDock::redraw()
     m_std->replace(deviations);
     m_rate->replace(rates);
     m_valueAxes[0]->setRange(0, largest > 0.0 ? largest * 1.1 : 1.0);
+    m_valueAxes[0]->applyNiceNumbers();  // round steps, not 0.587367
     m_export->setEnabled(statistics && statistics->frames() > 0);
     showHistogramAt(m_histogramBin >= 0 && statistics ? statistics->bins().centre(m_histogramBin) : 0.0);
 }
@@ -193,6 +194,7 @@ void StatisticsDock::showHistogramAt(double azimuth)
         most = std::max(most, histogram.counts[i]);
     }
     m_histogramRanges->append(ranges);
+    m_histogramRanges->setLabelsAngle(-90);  // sixteen ranges side by side fit only upright
     m_histogramCounts->setRange(0, std::max(1, most));
     m_charts[2]->setTitle(tr("Ranges at %1° (m)").arg(statistics->bins().centre(m_histogramBin), 0, 'f', 2));
 }
