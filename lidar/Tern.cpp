@@ -13,21 +13,16 @@ Tern::Tern(QObject* parent) : LidarAnalysis(parent) {}
 const lidar::ModelDescriptor& Tern::Descriptor()
 {
     static const lidar::ModelDescriptor model = [] {
-        auto d = lidar::ModelDescriptor::of<Tern>(lidar::ModelFamily::Tern);
+        auto d = tern::describe<Tern>();
         d.packets.framing = lidar::PacketFraming::FixedSize;
         d.packets.dataSize = kPacketSize;
-        d.packets.replySize = kReplySize;
         d.packets.replyVersionAt = kReplyVersionAt;
         d.baudRate = 230400;
         d.commands.readParamClass = tern::kClass01;
         d.commands.setFilterClass = tern::kClass55;
-        d.commands.filterModes = 3;
-        d.geometry.span = lidar::PacketSpan::Fixed;
         d.geometry.startAngleAt = kStartAngleAt;
-        d.geometry.spanDegrees = 15.0;
         d.geometry.measurementsAt = kWordsAt;
         d.geometry.groups = kWords;
-        d.geometry.channels = 1;
         d.geometry.dropsThe41stWord = kDropsThe41stWord;
         d.distanceBits = 15;  // bit 15 is the intensity flag
         return d;

@@ -6,6 +6,7 @@
 
 #include "DecodeCommon.h"
 #include "LidarAnalysis.h"
+#include "ModelDescriptor.h"
 #include "StreamCounters.h"
 
 #include <QByteArray>
@@ -191,6 +192,41 @@ void stampPoints(decode::DecodedPacket& packet, uint64_t nowNs, uint64_t previou
 // Applies a GPS-stamped packet's calendar to `packet`: dateTime text, time
 // stamps. Returns the packet time in ns.
 uint64_t applyCalendar(decode::DecodedPacket& packet, const CalendarTime& t, uint64_t previousNs);
+
+// What every Tern model's descriptor holds: packets that each cover 15
+// degrees from their start angle, one channel, three filter modes. A model
+// adds its framing, replies, GPS time, command classes and word layout.
+template <typename Model>
+ModelDescriptor describe()
+{
+    auto d = ModelDescriptor::of<Model>(ModelFamily::Tern);
+    d.packets.replySize = Model::kReplySize;
+    d.commands.filterModes = 3;
+    d.geometry.span = PacketSpan::Fixed;
+    d.geometry.spanDegrees = 15.0;
+    d.geometry.channels = 1;
+    return d;
+}
+
+// The models whose packets give their length (Tern_P, Tern_Plus): the words
+// start after the length field, the calendar and the trailer end the
+// packet, they read parameters with class 0x55, and a distance takes the
+// whole word (Tern_P from firmware 215 on).
+template <typename Model>
+ModelDescriptor describeWithLength()
+{
+    auto d = describe<Model>();
+    d.packets.framing = PacketFraming::LengthField;
+    d.packets.replyVersionAt = Model::kReplyVersionAt;
+    d.gps.stamped = true;
+    d.gps.calendarAt = -12;
+    d.commands.readParamClass = kClass55;
+    d.commands.setFilterClass = kClass01;
+    d.geometry.startAngleAt = 4;
+    d.geometry.measurementsAt = kVariableWordsOffset;
+    d.distanceBits = 16;
+    return d;
+}
 
 }  // namespace tern
 }  // namespace lidar

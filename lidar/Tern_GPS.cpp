@@ -13,23 +13,18 @@ Tern_GPS::Tern_GPS(QObject* parent) : GpsSession(parent) {}
 const lidar::ModelDescriptor& Tern_GPS::Descriptor()
 {
     static const lidar::ModelDescriptor model = [] {
-        auto d = lidar::ModelDescriptor::of<Tern_GPS>(lidar::ModelFamily::Tern);
+        auto d = tern::describe<Tern_GPS>();
         d.packets.framing = lidar::PacketFraming::FixedSize;
         d.packets.dataSize = kPacketSize;
-        d.packets.replySize = kReplySize;
         d.packets.replyVersionAt = Tern::kReplyVersionAt;  // Tern's reply bytes, in a longer reply
         d.gps.stamped = true;
         d.gps.calendarAt = kCalendarOffset;
         d.baudRate = 460800;
         d.commands.readParamClass = tern::kClass55;
         d.commands.setFilterClass = tern::kClass01;
-        d.commands.filterModes = 3;
-        d.geometry.span = lidar::PacketSpan::Fixed;
         d.geometry.startAngleAt = Tern::kStartAngleAt;
-        d.geometry.spanDegrees = 15.0;
         d.geometry.measurementsAt = Tern::kWordsAt;
         d.geometry.groups = Tern::kWords;
-        d.geometry.channels = 1;
         d.geometry.dropsThe41stWord = Tern::kDropsThe41stWord;
         d.distanceBits = 15;  // bit 15 is ignored
         return d;

@@ -11,23 +11,9 @@ Tern_P::Tern_P(QObject* parent) : GpsSession(parent) {}
 const lidar::ModelDescriptor& Tern_P::Descriptor()
 {
     static const lidar::ModelDescriptor model = [] {
-        auto d = lidar::ModelDescriptor::of<Tern_P>(lidar::ModelFamily::Tern);
-        d.packets.framing = lidar::PacketFraming::LengthField;
-        d.packets.replySize = kReplySize;
-        d.packets.replyVersionAt = kReplyVersionAt;
-        d.gps.stamped = true;
-        d.gps.calendarAt = -12;  // the calendar and the trailer end the packet
+        auto d = tern::describeWithLength<Tern_P>();
         d.baudRate = 460800;
-        d.commands.readParamClass = tern::kClass55;
-        d.commands.setFilterClass = tern::kClass01;
-        d.commands.filterModes = 3;
         d.recording = kRecording;
-        d.geometry.span = lidar::PacketSpan::Fixed;
-        d.geometry.startAngleAt = 4;  // after the length field
-        d.geometry.spanDegrees = 15.0;
-        d.geometry.measurementsAt = tern::kVariableWordsOffset;
-        d.geometry.channels = 1;
-        d.distanceBits = 16;  // whole-word distances from firmware 215 on
         return d;
     }();
     return model;

@@ -13,23 +13,9 @@ Tern_Plus::Tern_Plus(QObject* parent) : GpsSession(parent) {}
 const lidar::ModelDescriptor& Tern_Plus::Descriptor()
 {
     static const lidar::ModelDescriptor model = [] {
-        auto d = lidar::ModelDescriptor::of<Tern_Plus>(lidar::ModelFamily::Tern);
-        d.packets.framing = lidar::PacketFraming::LengthField;
-        d.packets.replySize = kReplySize;
-        d.packets.replyVersionAt = kReplyVersionAt;
-        d.gps.stamped = true;
-        d.gps.calendarAt = -12;  // the calendar and the trailer end the packet
+        auto d = tern::describeWithLength<Tern_Plus>();
         d.baudRate = 921600;
-        d.commands.readParamClass = tern::kClass55;
-        d.commands.setFilterClass = tern::kClass01;
-        d.commands.filterModes = 3;
         d.commands.deviceParam = lidar::DeviceParam::MotorRpm;
-        d.geometry.span = lidar::PacketSpan::Fixed;
-        d.geometry.startAngleAt = 4;  // after the length field
-        d.geometry.spanDegrees = 15.0;
-        d.geometry.measurementsAt = tern::kVariableWordsOffset;
-        d.geometry.channels = 1;
-        d.distanceBits = 16;  // the whole word
         return d;
     }();
     return model;

@@ -11,6 +11,7 @@
 
 #include "DecodeCommon.h"
 #include "LidarAnalysis.h"
+#include "ModelDescriptor.h"
 #include "ModelGeometry.h"
 #include "StreamCounters.h"
 
@@ -106,6 +107,32 @@ void parseStream(QByteArray& buffer, StreamCounters& counters, int packetSize, u
 // header, type or checksum test), decoded by `decodePacket` and placed in
 // `state`; completed frames are appended to `frames`. No packet ends the
 // parse.
+// What every Wren model's descriptor holds: packets framed by their type
+// byte and checksum, sixteen groups from the start to the end angle they
+// carry, the family's command classes, two filter modes and 16-bit
+// distances. A model adds its baud rate and its channels.
+template <typename Model>
+ModelDescriptor describe()
+{
+    auto d = ModelDescriptor::of<Model>(ModelFamily::Wren);
+    d.packets.framing = PacketFraming::TypedChecksum;
+    d.packets.dataSize = Model::kPacketSize;
+    d.packets.packetType = Model::kPacketType;
+    d.packets.replySize = kReplySize;
+    d.packets.replyVersionAt = kReplyVersionAt;
+    d.commands.readParamClass = kReadParamClass;
+    d.commands.setFilterClass = kSetFilterClass;
+    d.commands.filterModes = 2;
+    d.commands.deviceParam = DeviceParam::ValueAt172;
+    d.geometry.span = PacketSpan::StartToEnd;
+    d.geometry.startAngleAt = Model::kStartAngleAt;
+    d.geometry.endAngleAt = Model::kEndAngleAt;
+    d.geometry.measurementsAt = Model::kGroupsAt;
+    d.geometry.groups = kGroups;
+    d.distanceBits = 16;
+    return d;
+}
+
 template <typename Azimuth, typename Previous, typename DecodePacket>
 bool addRecorded(const QByteArray& packet, int packetSize, DecodePacket&& decodePacket,
                  decode::OfflineFrames<Previous>& state, QVector<LidarDataPoint_V4>& frames)

@@ -12,24 +12,9 @@ Wren_Plus::Wren_Plus(QObject* parent) : WrenSession(parent) {}
 const lidar::ModelDescriptor& Wren_Plus::Descriptor()
 {
     static const lidar::ModelDescriptor model = [] {
-        auto d = lidar::ModelDescriptor::of<Wren_Plus>(lidar::ModelFamily::Wren);
-        d.packets.framing = lidar::PacketFraming::TypedChecksum;
-        d.packets.dataSize = kPacketSize;
-        d.packets.packetType = kPacketType;
-        d.packets.replySize = wren::kReplySize;
-        d.packets.replyVersionAt = wren::kReplyVersionAt;
+        auto d = wren::describe<Wren_Plus>();
         d.baudRate = 460800;
-        d.commands.readParamClass = wren::kReadParamClass;
-        d.commands.setFilterClass = wren::kSetFilterClass;
-        d.commands.filterModes = 2;
-        d.commands.deviceParam = lidar::DeviceParam::ValueAt172;
-        d.geometry.span = lidar::PacketSpan::StartToEnd;
-        d.geometry.startAngleAt = kStartAngleAt;
-        d.geometry.endAngleAt = kEndAngleAt;
-        d.geometry.measurementsAt = kGroupsAt;
-        d.geometry.groups = wren::kGroups;
         d.geometry.channels = 2;
-        d.distanceBits = 16;
         return d;
     }();
     return model;
