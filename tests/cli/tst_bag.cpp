@@ -12,6 +12,8 @@
 #include <QDateTime>
 #include <QProcess>
 #include <QTemporaryDir>
+#include "ProgramRun.h"
+
 #include <QtTest>
 #include <cmath>
 #include <cstdlib>
@@ -141,21 +143,8 @@ QSet<qint64> packetTimesMs(const QString& recordingPath, const QString& model)
     return times;
 }
 
-struct Run {
-    int exitCode = -1;
-    QByteArray out, err;
-};
-
-Run runProgram(const QString& program, const QStringList& arguments)
-{
-    QProcess process;
-    process.start(QDir::current().absoluteFilePath(program), arguments);
-    if (!process.waitForFinished(60000))
-        process.kill();
-    process.waitForFinished(5000);
-    const bool ran = process.error() != QProcess::FailedToStart && process.exitStatus() == QProcess::NormalExit;
-    return {ran ? process.exitCode() : -1, process.readAllStandardOutput(), process.readAllStandardError()};
-}
+using testing::Run;
+using testing::runProgram;
 
 QByteArray recording(const QString& model, const QVector<QByteArray>& packets)
 {

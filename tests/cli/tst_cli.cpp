@@ -13,6 +13,8 @@
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QTimer>
+#include "ProgramRun.h"
+
 #include <QtTest>
 #include <cmath>
 
@@ -21,10 +23,7 @@
 
 namespace {
 
-struct Run {
-    int exitCode = -1;  // -1: crashed or did not finish
-    QByteArray out, err;
-};
+using testing::Run;
 
 QString cliPath()
 {
@@ -33,14 +32,7 @@ QString cliPath()
 
 Run runCli(const QStringList& arguments, const QString& workingDir = QString())
 {
-    QProcess process;
-    process.setWorkingDirectory(workingDir);
-    process.start(cliPath(), arguments);
-    if (!process.waitForFinished(30000))
-        process.kill();  // reported as a crash
-    process.waitForFinished(5000);
-    const bool ran = process.error() != QProcess::FailedToStart && process.exitStatus() == QProcess::NormalExit;
-    return {ran ? process.exitCode() : -1, process.readAllStandardOutput(), process.readAllStandardError()};
+    return testing::runProgram(QStringLiteral("scandeck-cli"), arguments, workingDir, 30000);
 }
 
 QByteArray recording(const QByteArray& model, const QVector<QByteArray>& packets)

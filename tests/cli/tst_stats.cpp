@@ -14,27 +14,16 @@
 #include <QJsonObject>
 #include <QProcess>
 #include <QTemporaryDir>
+#include "ProgramRun.h"
+
 #include <QtTest>
 #include <cmath>
 #include <map>
 
 namespace {
 
-struct Run {
-    int exitCode = -1;  // -1: crashed or did not finish
-    QByteArray out, err;
-};
-
-Run runProgram(const QString& program, const QStringList& arguments)
-{
-    QProcess process;
-    process.start(QDir::current().absoluteFilePath(program), arguments);
-    if (!process.waitForFinished(60000))
-        process.kill();
-    process.waitForFinished(5000);
-    const bool ran = process.error() != QProcess::FailedToStart && process.exitStatus() == QProcess::NormalExit;
-    return {ran ? process.exitCode() : -1, process.readAllStandardOutput(), process.readAllStandardError()};
-}
+using testing::Run;
+using testing::runProgram;
 
 struct Point {
     double azimuth;

@@ -21,7 +21,6 @@
 #include <QDir>
 #include <QFile>
 #include <QSpinBox>
-#include <QTabWidget>
 #include <QTemporaryDir>
 #include <cmath>
 
@@ -151,9 +150,7 @@ int main(int argc, char* argv[])
 
         // The room as the reference, then a crate set down and the door
         // opened: the change colouring and the closest object per sector.
-        window.findChild<QTabWidget*>(QStringLiteral("tabWidget"))
-            ->setCurrentWidget(window.findChild<QWidget*>(QStringLiteral("tab_offline")));
-        auto* roomPlayer = window.findChild<OffinePlayWidget*>(QStringLiteral("offline"));
+        OffinePlayWidget* roomPlayer = &shots::showPlayer(window);
         roomPlayer->loadFrames(DemoLidar::defaultModel(), {room, room, rearranged(room)});
         shots::settle(800);
         window.findChild<QSpinBox*>(QStringLiteral("spin_reference_frames"))->setValue(1);
@@ -177,14 +174,7 @@ int main(int argc, char* argv[])
         const QString recording = dir.filePath(QStringLiteral("Tern_lossy.txt"));
         if (!writeLossyRecording(sim::Model::Tern, 300, recording, &error))
             return shots::fail(kTool, error);
-        window.findChild<QTabWidget*>(QStringLiteral("tabWidget"))
-            ->setCurrentWidget(window.findChild<QWidget*>(QStringLiteral("tab_offline")));
-        auto* player = window.findChild<OffinePlayWidget*>(QStringLiteral("offline"));
-        player->setOpenFileHook([&](const QString&, const QString&, const QString&) { return recording; });
-        player->setMessageHook([](const QString& title, const QString& text) {
-            shots::fail(kTool, title + ": " + text);
-        });
-        shots::click(window, "btn_open_file");
+        OffinePlayWidget* player = &shots::openInPlayer(window, recording, kTool);
         shots::settle(1500);
         for (int step = 0; step < 3; ++step)
             shots::click(window, "btn_next");

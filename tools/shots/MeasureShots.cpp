@@ -24,7 +24,6 @@
 #include <QScreen>
 #include <QComboBox>
 #include <QStatusBar>
-#include <QTabWidget>
 #include <QTemporaryDir>
 #include <QThread>
 #include <QTimer>
@@ -180,14 +179,7 @@ int main(int argc, char* argv[])
         if (!sim::writeRecording(options, 36000, recording, &error))
             return shots::fail(kTool, error);
         testing::SlowParsing slow(QStringLiteral("Wren_Plus"), 40);
-        window.findChild<QTabWidget*>(QStringLiteral("tabWidget"))
-            ->setCurrentWidget(window.findChild<QWidget*>(QStringLiteral("tab_offline")));
-        auto* player = window.findChild<OffinePlayWidget*>(QStringLiteral("offline"));
-        player->setOpenFileHook([&](const QString&, const QString&, const QString&) { return recording; });
-        player->setMessageHook([](const QString& title, const QString& text) {
-            shots::fail(kTool, title + ": " + text);
-        });
-        click(window, "btn_open_file");
+        OffinePlayWidget* player = &shots::openInPlayer(window, recording, kTool);
         player->findChild<QComboBox*>(QStringLiteral("comboBox"))->setCurrentIndex(3);
         click(window, "btn_play");
         shots::settle(2500);

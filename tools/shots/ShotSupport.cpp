@@ -1,5 +1,6 @@
 #include "ShotSupport.h"
 
+#include "OffinePlayWidget.h"
 #include "ScanDeck.h"
 #include "UserMessages.h"
 
@@ -7,6 +8,7 @@
 #include <QApplication>
 #include <QRect>
 #include <QScreen>
+#include <QTabWidget>
 #include <QElapsedTimer>
 #include <QThread>
 #include <cstdio>
@@ -71,6 +73,22 @@ void click(QWidget& root, const char* name)
 bool saveScreen(const QRect& area, const QString& path)
 {
     return savePng(QGuiApplication::primaryScreen()->grabWindow(0).toImage().copy(area), path);
+}
+
+OffinePlayWidget& showPlayer(ScanDeck& window)
+{
+    window.findChild<QTabWidget*>(QStringLiteral("tabWidget"))
+        ->setCurrentWidget(window.findChild<QWidget*>(QStringLiteral("tab_offline")));
+    return *window.findChild<OffinePlayWidget*>(QStringLiteral("offline"));
+}
+
+OffinePlayWidget& openInPlayer(ScanDeck& window, const QString& path, const char* tool)
+{
+    OffinePlayWidget& player = showPlayer(window);
+    player.setOpenFileHook([path](const QString&, const QString&, const QString&) { return path; });
+    player.setMessageHook([tool](const QString& title, const QString& text) { fail(tool, title + ": " + text); });
+    click(window, "btn_open_file");
+    return player;
 }
 
 }  // namespace shots

@@ -7,6 +7,7 @@
 #include <QSize>
 #include <QString>
 
+class OffinePlayWidget;
 class QRect;
 class QWidget;
 class ScanDeck;
@@ -28,6 +29,11 @@ void click(QWidget& root, const char* name);
 // Writes this part of the screen, so that a dialog or a second window over
 // the main one is in the picture.
 bool saveScreen(const QRect& area, const QString& path);
+// Shows the offline page and gives its player.
+OffinePlayWidget& showPlayer(ScanDeck& window);
+// The player opens `path` through its Open button, as an operator opens a
+// file; any message it shows is the tool's failure.
+OffinePlayWidget& openInPlayer(ScanDeck& window, const QString& path, const char* tool);
 // Writes `image` (scaled down to `maxWidth` when wider and it is above 0)
 // and says so on standard output.
 bool savePng(const QImage& image, const QString& path, int maxWidth = 0);
