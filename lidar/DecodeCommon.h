@@ -144,7 +144,8 @@ struct SinCos {
 };
 SinCos computeSinCos(double azimuth);
 
-// The azimuths of one packet and their sines and cosines.
+// The azimuths of one packet and their sines and cosines, and the degrees
+// it covers where they follow from more than its start code.
 template <typename Azimuth>
 struct PacketAngles {
     bool known = false;
@@ -152,6 +153,7 @@ struct PacketAngles {
     uint32_t shape = 0;   // what else fixes the azimuths (points, or an end code)
     std::vector<Azimuth> azimuths;
     std::vector<SinCos> trig;
+    PacketCover cover;
 };
 
 // A packet's azimuths follow from its start code (1/100 degree) and its
@@ -171,14 +173,14 @@ public:
         return table;
     }
 
-    // The angles of a packet; `fill(azimuths)` writes its azimuths when
-    // they are not in the table.
+    // The angles of a packet; `fill(angles)` writes its azimuths (and its
+    // cover where the family keeps it here) when they are not in the table.
     template <typename Fill>
     const PacketAngles<Azimuth>& lookUp(uint16_t code, uint32_t shape, Fill&& fill)
     {
         PacketAngles<Azimuth>& slot = slots_[code % kSlots];
         if (Q_UNLIKELY(!slot.known || slot.code != code || slot.shape != shape)) {
-            fill(slot.azimuths);
+            fill(slot);
             slot.trig.resize(slot.azimuths.size());
             for (size_t i = 0; i < slot.azimuths.size(); ++i)
                 slot.trig[i] = computeSinCos(double(slot.azimuths[i]));
@@ -253,6 +255,14 @@ private:
 // Writes `text` into `target`, reusing its storage when no copy shares it.
 void assignLatin1(QString& target, const char* text, int length);
 
+// Runs `f` out of line: a revolution ends once in hundreds of packets, and
+// its work, however long, then leaves the placement's loop as tight as it is.
+template <typename F>
+Q_NEVER_INLINE void callOutOfLine(F& f)
+{
+    f();
+}
+
 // Places a packet's points. `Azimuth` is the precision the model compares
 // azimuths in; `previous` is the model's remembered azimuth (its own type:
 // float, double or, for one offline path, a truncated integer). A revolution
@@ -282,7 +292,7 @@ void placeUncounted(const DecodedPacket& packet, LidarDataPoint_V4& current, Lid
         if (Q_UNLIKELY(endsRevolution(static_cast<Azimuth>(last), azimuth))) {
             const LidarDataPoint_V4 ended = current;  // shares the points
             previous = last;
-            endRevolution();
+            callOutOfLine(endRevolution);
             currentLines.newRevolution(ended);
             nextLines.forget();
         }
@@ -342,15 +352,15 @@ template <typename Azimuth, typename Previous, typename EndRevolution>
 void placePoints(const DecodedPacket& packet, LidarDataPoint_V4& current, LidarDataPoint_V4& next,
                  Previous& previous, FrameAccounting& accounting, EndRevolution&& endRevolution)
 {
-    accounting.packetArrives(packet.cover, packet.returns, packet.timeNs);
     placeUncounted<Azimuth>(packet, current, next, previous, [&] {
-        accounting.closeFrame(current);
+        accounting.closeFrame(current, packet.cover, packet.timeNs);
         endRevolution();
     });
     // Only a packet that reaches past 360 degrees can have points there.
     const int32_t returnsToNext =
         Q_UNLIKELY(packet.cover.end > packetcover::kTurn) ? returnsAbove360<Azimuth>(packet) : 0;
-    accounting.packetPlaced(returnsToNext, packet.size() > 0, double(previous));
+    accounting.packetPlaced(packet.cover, packet.returns, packet.timeNs, packet.size() > 0, previous,
+                            returnsToNext);
 }
 
 // State an offline parse function keeps from one call to the next.

@@ -47,9 +47,9 @@ void FrameAccounting::count(Turn& turn, int32_t start, int32_t width, uint64_t t
     }
 }
 
-void FrameAccounting::placeAnyPacket(int32_t returnsToNext, bool madePoints, double lastAzimuth)
+void FrameAccounting::placeAnyPacket(const PacketCover& cover, int32_t returns, uint64_t timeNs,
+                                     int32_t returnsToNext, bool madePoints, double lastAzimuth)
 {
-    const PacketCover& cover = pending_.cover;
     int32_t start = cover.start, end = cover.end;
     Turn* own = &current_;
     if (start >= kTurn) {
@@ -68,12 +68,12 @@ void FrameAccounting::placeAnyPacket(int32_t returnsToNext, bool madePoints, dou
         if (end > kTurn && own == &current_)
             next_.cover(0, end - kTurn, jitter);
     }
-    count(*own, start, cover.known() ? cover.width() : 0, pending_.timeNs);
-    own->returns += pending_.returns - returnsToNext;
+    count(*own, start, cover.known() ? cover.width() : 0, timeNs);
+    own->returns += returns - returnsToNext;
     next_.returns += returnsToNext;
 }
 
-void FrameAccounting::closeFrame(const LidarDataPoint_V4& frame)
+void FrameAccounting::closeFrame(const LidarDataPoint_V4& frame, const PacketCover& next, uint64_t nextStampNs)
 {
     if (current_.packets > 0 && current_.widths > 0)
         pitch_ = double(current_.widths) / 100.0 / current_.packets;
@@ -96,13 +96,13 @@ void FrameAccounting::closeFrame(const LidarDataPoint_V4& frame)
     last_.points = int32_t(frame.pointCount());
     last_.returns = current_.returns;
     last_.motorSpeed = frame.motorSpeed;
-    // From this revolution's first packet to the next one's (the pending
-    // packet), scaled by the degrees between their starts: a lost first
-    // packet does not lengthen the period.
+    // From this revolution's first packet to the next one's, scaled by the
+    // degrees between their starts: a lost first packet does not lengthen
+    // the period.
     last_.periodMs = -1.0;
-    const uint64_t nextNs = pending_.timeNs;
-    if (current_.firstTimeNs != 0 && nextNs > current_.firstTimeNs && pending_.cover.known()) {
-        const int32_t degrees = pending_.cover.start + kTurn - current_.firstStart;
+    const uint64_t nextNs = timeOf(nextStampNs);
+    if (current_.firstTimeNs != 0 && nextNs > current_.firstTimeNs && next.known()) {
+        const int32_t degrees = next.start + kTurn - current_.firstStart;
         if (degrees > kTurn / 2 && degrees < kTurn * 3 / 2)
             last_.periodMs = double(nextNs - current_.firstTimeNs) / 1e6 * double(kTurn) / double(degrees);
     }

@@ -26,41 +26,36 @@ public:
     // unknown). Packets without a GPS stamp are timed by it.
     void setArrivalNs(uint64_t ns) { arrivalNs_ = ns; }
 
-    // A data packet is about to be placed: what it covers, its points with a
-    // distance, and its GPS time in ns (0: none).
-    void packetArrives(const PacketCover& cover, int32_t returns, uint64_t stampNs)
-    {
-        pending_.cover = cover;
-        pending_.returns = returns;
-        pending_.timeNs = stampNs != 0 ? stampNs : arrivalNs_;
-    }
-    // The revolution being built ends with `frame`, before the pending
-    // packet's points are placed: a packet's azimuths rise through it, so a
-    // revolution can only end at its first point, and the packet belongs to
-    // the next revolution.
-    void closeFrame(const LidarDataPoint_V4& frame);
-    // The pending packet is placed: `returnsToNext` of its returns went to the
-    // next revolution (azimuths above 360). `madePoints` false: it made none
-    // and so could not end a revolution; `lastAzimuth` is the placement's
-    // remembered azimuth after it.
-    void packetPlaced(int32_t returnsToNext, bool madePoints, double lastAzimuth)
+    // The revolution being built ends with `frame`. A packet's azimuths rise
+    // through it, so a revolution ends at a packet's first point: that
+    // packet, `next` (what it covers and its GPS time in ns, 0: none), is
+    // not yet counted and belongs to the next revolution.
+    void closeFrame(const LidarDataPoint_V4& frame, const PacketCover& next, uint64_t nextStampNs);
+
+    // A data packet has been placed: what it covers, its points with a
+    // distance, its GPS time in ns (0: none). `madePoints` false: it made
+    // none and so could not end a revolution; `lastAzimuth` is the
+    // placement's remembered azimuth after it; `returnsToNext` of its
+    // returns went to the next revolution (azimuths above 360: only a
+    // packet that reaches past 360 degrees has any).
+    template <typename Azimuth>
+    void packetPlaced(const PacketCover& cover, int32_t returns, uint64_t stampNs, bool madePoints,
+                      Azimuth lastAzimuth, int32_t returnsToNext)
     {
         // The usual packet: within the turn, after the last one; one span grows.
-        const PacketCover& cover = pending_.cover;
         Turn& turn = current_;
-        if (Q_LIKELY(madePoints && returnsToNext == 0 && turn.spanCount > 0
-                     && (turn.firstTimeNs != 0 || pending_.timeNs == 0) && cover.known()
-                     && cover.end <= packetcover::kTurn)) {
+        if (Q_LIKELY(madePoints && cover.end <= packetcover::kTurn && cover.known() && turn.spanCount > 0
+                     && (turn.firstTimeNs != 0 || timeOf(stampNs) == 0))) {
             Turn::Span& last = turn.spans[size_t(turn.spanCount - 1)];
             if (cover.start >= last.start && cover.start <= last.end + Turn::jitter(cover)) {
                 last.end = std::max(last.end, cover.end);
                 ++turn.packets;
                 turn.widths += cover.width();
-                turn.returns += pending_.returns;
+                turn.returns += returns;
                 return;
             }
         }
-        placeAnyPacket(returnsToNext, madePoints, lastAzimuth);
+        placeAnyPacket(cover, returns, timeOf(stampNs), returnsToNext, madePoints, double(lastAzimuth));
     }
 
     // The health of the revolution closed last.
@@ -98,17 +93,12 @@ private:
         }
         void takeOver(const Turn& other);
     };
-    struct Pending {
-        PacketCover cover;
-        int32_t returns = 0;
-        uint64_t timeNs = 0;
-    };
-
-    void placeAnyPacket(int32_t returnsToNext, bool madePoints, double lastAzimuth);
+    uint64_t timeOf(uint64_t stampNs) const { return stampNs != 0 ? stampNs : arrivalNs_; }
+    void placeAnyPacket(const PacketCover& cover, int32_t returns, uint64_t timeNs, int32_t returnsToNext,
+                        bool madePoints, double lastAzimuth);
     static void count(Turn& turn, int32_t start, int32_t width, uint64_t timeNs);
 
     Turn current_, next_;
-    Pending pending_;
     uint64_t arrivalNs_ = 0;
     double pitch_ = 0.0;  // degrees per packet, as the last revolution measured it
     quint64 closedPackets_ = 0;

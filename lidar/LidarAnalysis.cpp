@@ -1,5 +1,6 @@
 #include "LidarAnalysis.h"
 
+#include "LIdarFactory.h"
 #include "RecordFile.h"
 
 #include <QElapsedTimer>
@@ -34,8 +35,14 @@ lidar::ScanGeometry LidarAnalysis::streamScanGeometry() const
 
 void LidarAnalysis::noteScanGeometry(const char* data, int size)
 {
-    const lidar::ScanGeometry geometry =
-        lidar::scanGeometry(QString::fromLatin1(metaObject()->className()), QByteArray::fromRawData(data, size));
+    // Looked up once: a session's model does not change.
+    if (!modelLookedUp_) {
+        model_ = LIdarFactory::GetInstance()->FindModel(QString::fromLatin1(metaObject()->className()));
+        modelLookedUp_ = true;
+    }
+    if (!model_)
+        return;
+    const lidar::ScanGeometry geometry = lidar::scanGeometry(*model_, QByteArray::fromRawData(data, size));
     if (!geometry.isValid())
         return;
     std::lock_guard<std::mutex> lock(paramMutex);

@@ -212,5 +212,7 @@ private:
     lidar::RateGate replyResends_{3, 500};
     static constexpr uint32_t kGeometryEvery = 255;  // a mask: every 256th data packet
     uint32_t dataPackets_ = 0;                       // the session's thread only
+    const lidar::ModelDescriptor* model_ = nullptr;  // the session's thread only
+    bool modelLookedUp_ = false;
     lidar::ScanGeometry streamGeometry_;             // under paramMutex
 };

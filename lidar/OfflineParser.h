@@ -64,14 +64,9 @@ public:
     void setPrefix(const QVector<QByteArray>& prefix) override { Model::SetRecordPrefix(state_, prefix); }
     bool add(const QByteArray& packet, QVector<LidarDataPoint_V4>& frames) override
     {
-        decode::OfflineFrames<decltype(state_.frames.previous)>& shared = state_.frames;
-        if (!shared.completed.empty())
-            shared.completed.clear();
-        const quint64 decoded = shared.accounting.packetsPlaced();
-        const bool goesOn = Model::AddRecordedPacket(state_, packet, frames);
-        if (shared.accounting.packetsPlaced() == decoded)
-            ++shared.totals.rejectedPackets;
-        return goesOn;
+        if (Q_UNLIKELY(!state_.frames.completed.empty()))
+            forgetCompleted();
+        return Model::AddRecordedPacket(state_, packet, frames);
     }
     const std::vector<FrameHealth>& frameHealth() const override { return state_.frames.completed; }
     StreamTotals totals() const override
@@ -89,6 +84,9 @@ public:
     }
 
 private:
+    // Out of line: most packets complete no frame, and their add() stays a jump.
+    Q_DECL_COLD_FUNCTION Q_NEVER_INLINE void forgetCompleted() { state_.frames.completed.clear(); }
+
     typename Model::OfflineState state_;
 };
 

@@ -28,12 +28,17 @@ public:
     // Written on the session's thread only.
     // Data packets and replies taken so far: a cutter compares it before and
     // after handing on a piece to see whether the piece was refused.
-    quint64 taken() const
+    quint64 taken() const { return taken_; }
+    void addPacket()
     {
-        return packets_.load(std::memory_order_relaxed) + replies_.load(std::memory_order_relaxed);
+        add(packets_, 1);
+        ++taken_;
     }
-    void addPacket() { add(packets_, 1); }
-    void addReply() { add(replies_, 1); }
+    void addReply()
+    {
+        add(replies_, 1);
+        ++taken_;
+    }
     void addRejected(quint64 pieces) { add(rejected_, pieces); }
     void addSkipped(quint64 bytes) { add(skipped_, bytes); }
     void addFrame(const FrameHealth& health)
@@ -53,6 +58,7 @@ private:
 
     std::atomic<quint64> packets_{0}, rejected_{0}, skipped_{0}, replies_{0};
     std::atomic<quint64> frames_{0}, incomplete_{0}, missing_{0};
+    quint64 taken_ = 0;  // packets and replies, the session's thread only
 };
 
 }  // namespace lidar

@@ -62,7 +62,7 @@ bool Tern::ParseRecordedBatch(const QVector<QByteArray>& packets, QVector<lidar:
 bool Tern::AddRecordedPacket(OfflineState& state, const QByteArray& packet, QVector<lidar::LidarDataPoint_V4>& frames)
 {
     return tern::addRecorded(
-        packet, [](const QByteArray& p) { return p.size() == kPacketSize; },
+        packet, state.frames.totals, [](const QByteArray& p) { return p.size() == kPacketSize; },
         [&](const QByteArray& p) {
             DecodedPacket& decoded = scratchPacket();
             DecodePacket(p, decoded);

@@ -141,9 +141,10 @@ void decodeBody(decode::Bytes packet, int angleOffset, int wordsOffset, int word
     if (count == 0)
         return;
     const decode::PacketAngles<float>& angles =
-        decode::PacketAngleTable<float, 0>::forThisThread().lookUp(code, uint32_t(count), [&](std::vector<float>& a) {
+        decode::PacketAngleTable<float, 0>::forThisThread().lookUp(code, uint32_t(count), [&](decode::PacketAngles<float>& slot) {
             const float start = static_cast<float>(code / 100.0);
             const float step = static_cast<float>(15.0 / count);
+            std::vector<float>& a = slot.azimuths;
             a.resize(size_t(count));
             for (int i = 0; i < count; ++i)
                 a[size_t(i)] = static_cast<float>(i) * step + start;

@@ -81,14 +81,19 @@ bool lacksTrailer(decode::Bytes piece);
 
 // The offline rule of every Tern model for one recorded element: a piece
 // without trailer ends the parse (false), pieces `isDataPacket` rejects are
-// skipped, the others go to `place`.
+// skipped, the others go to `place`. The first two count in `totals` as
+// rejected.
 template <typename IsDataPacket, typename Place>
-bool addRecorded(const QByteArray& packet, IsDataPacket&& isDataPacket, Place&& place)
+bool addRecorded(const QByteArray& packet, StreamTotals& totals, IsDataPacket&& isDataPacket, Place&& place)
 {
-    if (lacksTrailer(packet))
+    if (lacksTrailer(packet)) {
+        ++totals.rejectedPackets;
         return false;
+    }
     if (isDataPacket(packet))
         place(packet);
+    else
+        ++totals.rejectedPackets;
     return true;
 }
 

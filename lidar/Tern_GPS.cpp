@@ -64,7 +64,7 @@ bool Tern_GPS::AddRecordedPacket(OfflineState& state, const QByteArray& packet,
                                  QVector<lidar::LidarDataPoint_V4>& frames)
 {
     return tern::addRecorded(
-        packet, [](const QByteArray& p) { return p.size() == kPacketSize; },
+        packet, state.frames.totals, [](const QByteArray& p) { return p.size() == kPacketSize; },
         [&](const QByteArray& p) {
             DecodedPacket& decoded = scratchPacket();
             const tern::CalendarTime time = DecodePacket(p, decoded);

@@ -59,7 +59,7 @@ void Tern_P::SetRecordPrefix(OfflineState& state, const QVector<QByteArray>& pre
 
 bool Tern_P::AddRecordedPacket(OfflineState& state, const QByteArray& packet, QVector<lidar::LidarDataPoint_V4>& frames)
 {
-    return tern::addRecorded(packet, tern::isVariableDataPacket, [&](const QByteArray& p) {
+    return tern::addRecorded(packet, state.frames.totals, tern::isVariableDataPacket, [&](const QByteArray& p) {
         DecodedPacket& decoded = scratchPacket();
         const tern::CalendarTime time = DecodePacket(p, state.version, decoded);
         state.clock.apply(decoded, time);

@@ -55,7 +55,7 @@ bool Tern_Plus::ParseRecordedBatch(const QVector<QByteArray>& packets, QVector<l
 bool Tern_Plus::AddRecordedPacket(OfflineState& state, const QByteArray& packet,
                                   QVector<lidar::LidarDataPoint_V4>& frames)
 {
-    return tern::addRecorded(packet, tern::isVariableDataPacket, [&](const QByteArray& p) {
+    return tern::addRecorded(packet, state.frames.totals, tern::isVariableDataPacket, [&](const QByteArray& p) {
         DecodedPacket& decoded = scratchPacket();
         const tern::CalendarTime time = DecodePacket(p, decoded);
         state.clock.apply(decoded, time);

@@ -52,13 +52,6 @@ enum class Piece { None, DataPacket, Reply, Refused };
 // or refused piece lies.
 Piece cutPiece(decode::Bytes bytes, int& used, int packetSize, uint8_t packetType, decode::Bytes& piece);
 
-// The degrees a data packet covers, from its start (at 5) and end (three
-// bytes before its end) angles.
-inline PacketCover packetCover(decode::Bytes packet, int packetSize)
-{
-    return packetcover::wren(decode::be16(packet, 5), decode::be16(packet, packetSize - 3));
-}
-
 // The live loop of both Wren models: data packets go to `onData` in order, a
 // reply to `onReply`; then what was consumed, and what can never become a
 // packet, is dropped from the buffer (see keepUnconsumed). `counters` hear
@@ -102,11 +95,6 @@ void parseStream(QByteArray& buffer, StreamCounters& counters, int packetSize, u
     counters.addSkipped(quint64(decode::keepUnconsumed(buffer, used, kMaxPending) - used));
 }
 
-// The offline rule of both Wren models for one recorded element: every
-// element long enough to hold the fields is taken as a data packet (no
-// header, type or checksum test), decoded by `decodePacket` and placed in
-// `state`; completed frames are appended to `frames`. No packet ends the
-// parse.
 // What every Wren model's descriptor holds: packets framed by their type
 // byte and checksum, sixteen groups from the start to the end angle they
 // carry, the family's command classes, two filter modes and 16-bit
@@ -133,15 +121,21 @@ ModelDescriptor describe()
     return d;
 }
 
+// The offline rule of both Wren models for one recorded element: every
+// element long enough to hold the fields is taken as a data packet (no
+// header, type or checksum test), decoded by `decodePacket` and placed in
+// `state`; completed frames are appended to `frames`. No packet ends the
+// parse; a shorter element counts as rejected.
 template <typename Azimuth, typename Previous, typename DecodePacket>
 bool addRecorded(const QByteArray& packet, int packetSize, DecodePacket&& decodePacket,
                  decode::OfflineFrames<Previous>& state, QVector<LidarDataPoint_V4>& frames)
 {
-    if (packet.size() < packetSize)
+    if (packet.size() < packetSize) {
+        ++state.totals.rejectedPackets;
         return true;
+    }
     decode::DecodedPacket& decoded = decode::scratchPacket();
     decodePacket(packet, decoded);
-    decoded.cover = packetCover(packet, packetSize);
     state.template place<Azimuth>(decoded, frames);
     return true;
 }
@@ -170,17 +164,19 @@ GroupAngles<Azimuth> groupAngles(uint16_t startCode, uint16_t endCode)
     return {start, span / Azimuth(15)};
 }
 
-// The sixteen azimuths of a packet with these start and end codes, and
-// their sines and cosines, from the calling thread's table.
+// The sixteen azimuths of a packet with these start and end codes, their
+// sines and cosines and the degrees the packet covers, from the calling
+// thread's table.
 template <typename Azimuth>
 const decode::PacketAngles<Azimuth>& packetAngles(uint16_t startCode, uint16_t endCode)
 {
     return decode::PacketAngleTable<Azimuth, 1>::forThisThread().lookUp(
-        startCode, endCode, [&](std::vector<Azimuth>& azimuths) {
+        startCode, endCode, [&](decode::PacketAngles<Azimuth>& slot) {
             const GroupAngles<Azimuth> angles = groupAngles<Azimuth>(startCode, endCode);
-            azimuths.resize(kGroups);
+            slot.azimuths.resize(kGroups);
             for (int k = 0; k < kGroups; ++k)
-                azimuths[size_t(k)] = angles.at(k);
+                slot.azimuths[size_t(k)] = angles.at(k);
+            slot.cover = packetcover::wren(startCode, endCode);
         });
 }
 

@@ -27,7 +27,6 @@ public:
             [this](decode::Bytes packet) {
                 recordPacket(packet.data, packet.size);
                 Model::DecodePacket(packet, decoded_);
-                decoded_.cover = packetCover(packet, Model::kPacketSize);
                 decode::placePoints<Azimuth>(decoded_, currentFrame, lastFrame, Model::previousAzimuth,
                                              frameAccounting, [this] { finishFrame(); });
             },

@@ -36,6 +36,7 @@ void Wren_Kite::DecodePacket(Bytes packet, DecodedPacket& out)
         returns += distance > 0 ? 1 : 0;
     }
     out.returns = returns;
+    out.cover = angles.cover;
 }
 
 bool Wren_Kite::ParseRecordedBatch(const QVector<QByteArray>& packets, QVector<lidar::LidarDataPoint_V4>& frames)

@@ -43,6 +43,7 @@ void Wren_Plus::DecodePacket(Bytes packet, DecodedPacket& out)
         }
     }
     out.returns = returns;
+    out.cover = angles.cover;
 }
 
 bool Wren_Plus::ParseRecordedBatch(const QVector<QByteArray>& packets, QVector<lidar::LidarDataPoint_V4>& frames)
