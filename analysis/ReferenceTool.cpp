@@ -21,7 +21,9 @@ void ReferenceTool::setOn(bool on)
 
 void ReferenceTool::frameShown(const display::FrameView& view)
 {
-    if (m_collector && m_collector->addFrame(view.frame)) {
+    if (m_collector && view.drawnAgain) {
+        // The same revolution again: not another one for the median.
+    } else if (m_collector && m_collector->addFrame(view.frame)) {
         const int wanted = m_collector->framesWanted();
         // The frame being shown is not drawn again: the next one is compared.
         m_inFrame = true;

@@ -19,7 +19,7 @@ void StatisticsRun::setOn(bool on)
 
 void StatisticsRun::frameShown(const display::FrameView& view)
 {
-    if (m_wanted == 0 || !m_statistics)
+    if (m_wanted == 0 || !m_statistics || view.drawnAgain)
         return;
     m_statistics->addFrame(view.frame);
     --m_wanted;

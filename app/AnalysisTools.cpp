@@ -191,5 +191,5 @@ void AnalysisTools::redraw()
     display::ViewSettings settings = m_display.lastView().settings;
     settings.changeReference = m_settings.changeReference;
     settings.changeToleranceM = m_settings.changeToleranceM;
-    m_display.show(m_display.lastFrame(), settings, m_window.pointSize());
+    m_display.showAgain(settings, m_window.pointSize());
 }

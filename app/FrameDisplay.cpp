@@ -29,6 +29,7 @@ const display::FrameView& FrameDisplay::show(lidar::LidarDataPoint_V4 frame, con
     clock.start();
     m_timings = Timings();
     m_last = display::frameView(std::move(frame), settings);
+    m_last.drawnAgain = m_showingAgain;
     // Both clouds change with every frame; the screen needs one render for all.
     ++m_batchDepth;
     // The drawn cloud stays one object, which the picking tools hold.
@@ -54,6 +55,14 @@ const display::FrameView& FrameDisplay::show(lidar::LidarDataPoint_V4 frame, con
     return m_last;
 }
 
+const display::FrameView& FrameDisplay::showAgain(const display::ViewSettings& settings, int pointSize)
+{
+    m_showingAgain = true;
+    show(m_last.frame, settings, pointSize);
+    m_showingAgain = false;
+    return m_last;
+}
+
 const display::FrameView& FrameDisplay::showBox(const display::ViewSettings& settings)
 {
     const display::FrameView box = display::boxView(m_last.frame, settings);
@@ -62,6 +71,7 @@ const display::FrameView& FrameDisplay::showBox(const display::ViewSettings& set
     m_last.boxActive = box.boxActive;
     m_last.selection = box.selection;
     m_last.settings = box.settings;
+    m_last.drawnAgain = true;
     ++m_batchDepth;
     fillTable(box);
     if (m_readouts)

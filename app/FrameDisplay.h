@@ -42,7 +42,9 @@ public:
                                    int pointSize);
     // The pipeline alone, for a frame that is not drawn (skipped under load).
     static display::FrameView view(lidar::LidarDataPoint_V4 frame, const display::ViewSettings& settings);
-    // An edited box applied to the frame on screen.
+    // The frame on screen again with other settings (drawnAgain).
+    const display::FrameView& showAgain(const display::ViewSettings& settings, int pointSize);
+    // An edited box applied to the frame on screen (drawnAgain).
     const display::FrameView& showBox(const display::ViewSettings& settings);
 
     // Replaces the cloud `id` in the view with `cloud` at `pointSize`.
@@ -68,6 +70,7 @@ private:
     std::vector<ViewOverlay*> m_overlays;
     std::shared_ptr<Cloud> m_cloud;  // "m_pointCloud"
     display::FrameView m_last;
+    bool m_showingAgain = false;
     int m_batchDepth = 0;
     bool m_renderPending = false;
     Timings m_timings;

@@ -57,6 +57,9 @@ struct FrameView {
     ChangeSummary change;
     bool boxActive = false;
     ViewSettings settings;  // what it was made with
+    // The frame on screen drawn again (new settings, an edited box), not a
+    // new revolution: tools that collect frames pass it over.
+    bool drawnAgain = false;
 
     // What a running CSV export writes of this frame: the box's points
     // while the box is in force, else the whole rounded frame.

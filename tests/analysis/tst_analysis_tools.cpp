@@ -44,6 +44,13 @@ struct Fixture {
         overlay.frameShown(view);
         return view;
     }
+    // The frame on screen drawn again, as a new tolerance or an edited box does.
+    void showAgain(const Frame& frame, ViewOverlay& overlay)
+    {
+        display::FrameView view = display::frameView(frame, settings);
+        view.drawnAgain = true;
+        overlay.frameShown(view);
+    }
 };
 
 }  // namespace
@@ -161,6 +168,8 @@ void AnalysisToolsTest::referenceOverTheNextFramesShown()
     QVERIFY(!f.tool.hasReference());
     for (double metres : {5.0, 9.0}) {
         f.show(wall(metres), f.tool);
+        // Drawn again, it is still one revolution: no frame of the three.
+        f.showAgain(wall(metres), f.tool);
         QVERIFY(f.tool.isCollecting());
     }
     const int redrawsBefore = f.redraws;
@@ -293,8 +302,10 @@ void AnalysisToolsTest::statisticsLive()
     QString error;
     QVERIFY(run.start(4, error));
     QVERIFY(run.isOn());
-    for (double metres : {5.0, 5.1, 5.2, 5.3, 9.0})
+    for (double metres : {5.0, 5.1, 5.2, 5.3, 9.0}) {
         f.show(wall(metres), run);
+        f.showAgain(wall(metres), run);  // a new tolerance or box: not another frame
+    }
     QCOMPARE(finished.count(), 1);
     QVERIFY(!run.isOn());
     QCOMPARE(run.statistics()->frames(), 4);  // the fifth came after

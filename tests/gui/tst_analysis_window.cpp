@@ -434,6 +434,16 @@ void AnalysisWindowTest::liveReferenceAndStatistics()
     QCOMPARE(run.statistics()->frames(), 5);
     QCOMPARE(run.statistics()->bins().count(), tool.reference()->bins().count());
     QVERIFY(!statistics->charted("rate").isEmpty());
+
+    // A new tolerance draws the frame on screen again: it is not collected twice.
+    statistics->findChild<QSpinBox*>(QStringLiteral("spin_statistics_frames"))->setValue(1000);
+    click(statistics, "btn_collect_statistics");
+    QVERIFY(run.isOn());
+    const int collected = run.statistics()->frames();
+    auto* tolerance = dock->findChild<QDoubleSpinBox*>(QStringLiteral("spin_change_tolerance"));
+    for (double value : {10.0, 20.0, 30.0})
+        tolerance->setValue(value);
+    QCOMPARE(run.statistics()->frames(), collected);
     click(w, "btn_disconnect");
     quietRegistry();
 }
