@@ -13,18 +13,11 @@ Tern::Tern(QObject* parent) : LidarAnalysis(parent) {}
 const lidar::ModelDescriptor& Tern::Descriptor()
 {
     static const lidar::ModelDescriptor model = [] {
-        auto d = tern::describe<Tern>();
-        d.packets.framing = lidar::PacketFraming::FixedSize;
-        d.packets.dataSize = kPacketSize;
+        auto d = tern::describeFixedSize<Tern>();  // bit 15 is the intensity flag
         d.packets.replyVersionAt = kReplyVersionAt;
         d.baudRate = 230400;
         d.commands.readParamClass = tern::kClass01;
         d.commands.setFilterClass = tern::kClass55;
-        d.geometry.startAngleAt = kStartAngleAt;
-        d.geometry.measurementsAt = kWordsAt;
-        d.geometry.groups = kWords;
-        d.geometry.dropsThe41stWord = kDropsThe41stWord;
-        d.distanceBits = 15;  // bit 15 is the intensity flag
         return d;
     }();
     return model;
@@ -32,7 +25,7 @@ const lidar::ModelDescriptor& Tern::Descriptor()
 
 void Tern::DecodePacket(Bytes packet, DecodedPacket& out)
 {
-    tern::decodeBody(packet, kStartAngleAt, kWordsAt, kWords, tern::kFlaggedWords, kDropsThe41stWord, out);
+    tern::decodeFixedSizeBody(packet, tern::kFlaggedWords, out);
 }
 
 void Tern::DecodeReply(Bytes reply, LidarParam& param)

@@ -56,12 +56,6 @@ public:
     static constexpr int kPacketSize = 92;
     static constexpr int kReplySize = 186;
     static constexpr int kReplyVersionAt = 175;
-    // The fixed-size layout, Tern_GPS's too: start angle at 2, the period
-    // word after it, 42 distance words from 6.
-    static constexpr int kStartAngleAt = 2;
-    static constexpr int kWordsAt = 6;
-    static constexpr int kWords = 42;
-    static constexpr bool kDropsThe41stWord = true;
 
     static float previousAzimuth;  // live, shared by every Tern session
     static int filterAttempts;     // program-wide, never reset

@@ -233,5 +233,33 @@ ModelDescriptor describeWithLength()
     return d;
 }
 
+// The fixed-size models (Tern, Tern_GPS), known by their packet's size:
+// the start angle at 2, the period word after it, 42 distance words from 6,
+// the 41st dropped unless the 40th is zero, 15-bit distances (bit 15 a flag
+// or ignored). A model adds its replies, GPS time and command classes.
+constexpr int kFixedStartAngleAt = 2;
+constexpr int kFixedWordsAt = 6;
+constexpr int kFixedWords = 42;
+
+template <typename Model>
+ModelDescriptor describeFixedSize()
+{
+    auto d = describe<Model>();
+    d.packets.framing = PacketFraming::FixedSize;
+    d.packets.dataSize = Model::kPacketSize;
+    d.geometry.startAngleAt = kFixedStartAngleAt;
+    d.geometry.measurementsAt = kFixedWordsAt;
+    d.geometry.groups = kFixedWords;
+    d.geometry.dropsThe41stWord = true;
+    d.distanceBits = 15;
+    return d;
+}
+
+// The body of a fixed-size data packet, its words read as `encoding` says.
+inline void decodeFixedSizeBody(decode::Bytes packet, WordEncoding encoding, decode::DecodedPacket& out)
+{
+    decodeBody(packet, kFixedStartAngleAt, kFixedWordsAt, kFixedWords, encoding, true, out);
+}
+
 }  // namespace tern
 }  // namespace lidar

@@ -13,20 +13,13 @@ Tern_GPS::Tern_GPS(QObject* parent) : GpsSession(parent) {}
 const lidar::ModelDescriptor& Tern_GPS::Descriptor()
 {
     static const lidar::ModelDescriptor model = [] {
-        auto d = tern::describe<Tern_GPS>();
-        d.packets.framing = lidar::PacketFraming::FixedSize;
-        d.packets.dataSize = kPacketSize;
+        auto d = tern::describeFixedSize<Tern_GPS>();  // bit 15 is ignored
         d.packets.replyVersionAt = Tern::kReplyVersionAt;  // Tern's reply bytes, in a longer reply
         d.gps.stamped = true;
         d.gps.calendarAt = kCalendarOffset;
         d.baudRate = 460800;
         d.commands.readParamClass = tern::kClass55;
         d.commands.setFilterClass = tern::kClass01;
-        d.geometry.startAngleAt = Tern::kStartAngleAt;
-        d.geometry.measurementsAt = Tern::kWordsAt;
-        d.geometry.groups = Tern::kWords;
-        d.geometry.dropsThe41stWord = Tern::kDropsThe41stWord;
-        d.distanceBits = 15;  // bit 15 is ignored
         return d;
     }();
     return model;
@@ -34,8 +27,7 @@ const lidar::ModelDescriptor& Tern_GPS::Descriptor()
 
 tern::CalendarTime Tern_GPS::DecodePacket(Bytes packet, DecodedPacket& out)
 {
-    tern::decodeBody(packet, Tern::kStartAngleAt, Tern::kWordsAt, Tern::kWords, tern::kFlagIgnoredWords,
-                     Tern::kDropsThe41stWord, out);
+    tern::decodeFixedSizeBody(packet, tern::kFlagIgnoredWords, out);
     return tern::readCalendar(packet, kCalendarOffset);
 }
 
