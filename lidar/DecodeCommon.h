@@ -255,7 +255,7 @@ private:
 // Writes `text` into `target`, reusing its storage when no copy shares it.
 void assignLatin1(QString& target, const char* text, int length);
 
-// Runs `f` out of line: a revolution ends once in hundreds of packets, and
+// Runs `f` out of line: a revolution ends once in dozens of packets, and
 // its work, however long, then leaves the placement's loop as tight as it is.
 template <typename F>
 Q_NEVER_INLINE void callOutOfLine(F& f)
