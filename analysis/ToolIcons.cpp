@@ -54,4 +54,28 @@ QIcon sectors()
     });
 }
 
+// An amber sector cut out of a grey ring.
+QIcon gaps()
+{
+    return drawn([](QPainter& p) {
+        p.setPen(QPen(QColor(0x60, 0x60, 0x60), 3));
+        p.drawArc(QRectF(6, 6, 36, 36), 135 * 16, 270 * 16);
+        p.setPen(Qt::NoPen);
+        p.setBrush(QColor(0xF9, 0xA8, 0x25, 200));
+        p.drawPie(QRectF(6, 6, 36, 36), 45 * 16, 90 * 16);
+    });
+}
+
+// A small green line chart on grey axes.
+QIcon chart()
+{
+    return drawn([](QPainter& p) {
+        p.setPen(QPen(QColor(0x60, 0x60, 0x60), 3));
+        p.drawPolyline(QPolygonF({QPointF(6, 8), QPointF(6, 42), QPointF(42, 42)}));
+        p.setPen(QPen(QColor(0x1E, 0x7D, 0x32), 3));
+        p.drawPolyline(
+            QPolygonF({QPointF(10, 30), QPointF(18, 22), QPointF(26, 28), QPointF(32, 14), QPointF(42, 18)}));
+    });
+}
+
 }  // namespace toolicons

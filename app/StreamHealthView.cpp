@@ -5,12 +5,12 @@
 #include "LiveFrameQueue.h"
 #include "OffinePlayWidget.h"
 #include "StreamHealthDock.h"
+#include "ToolIcons.h"
 
 #include <QAction>
 #include <QBoxLayout>
 #include <QEvent>
 #include <QMainWindow>
-#include <QPainter>
 #include <QToolButton>
 
 namespace {
@@ -21,35 +21,6 @@ GapsOverlay::Gaps gapsOf(const lidar::FrameHealth& health)
     for (const lidar::AngularGap& gap : health.gaps)
         gaps.append({gap.start, gap.end});
     return gaps;
-}
-
-// Drawn rather than shipped: an amber sector cut out of a ring, and a
-// small line chart.
-QIcon gapsIcon()
-{
-    QPixmap pixmap(48, 48);
-    pixmap.fill(Qt::transparent);
-    QPainter p(&pixmap);
-    p.setRenderHint(QPainter::Antialiasing);
-    p.setPen(QPen(QColor(0x60, 0x60, 0x60), 3));
-    p.drawArc(QRectF(6, 6, 36, 36), 135 * 16, 270 * 16);
-    p.setPen(Qt::NoPen);
-    p.setBrush(QColor(0xF9, 0xA8, 0x25, 200));
-    p.drawPie(QRectF(6, 6, 36, 36), 45 * 16, 90 * 16);
-    return QIcon(pixmap);
-}
-
-QIcon chartIcon()
-{
-    QPixmap pixmap(48, 48);
-    pixmap.fill(Qt::transparent);
-    QPainter p(&pixmap);
-    p.setRenderHint(QPainter::Antialiasing);
-    p.setPen(QPen(QColor(0x60, 0x60, 0x60), 3));
-    p.drawPolyline(QPolygonF({QPointF(6, 8), QPointF(6, 42), QPointF(42, 42)}));
-    p.setPen(QPen(QColor(0x1E, 0x7D, 0x32), 3));
-    p.drawPolyline(QPolygonF({QPointF(10, 30), QPointF(18, 22), QPointF(26, 28), QPointF(32, 14), QPointF(42, 18)}));
-    return QIcon(pixmap);
 }
 
 QToolButton* toolButton(QWidget* parent, const char* name, const QIcon& icon)
@@ -70,8 +41,8 @@ StreamHealthView::StreamHealthView(QMainWindow* window, Parts parts, Place place
       m_window(window),
       m_parts(std::move(parts)),
       m_dock(new StreamHealthDock(window)),
-      m_gapsButton(toolButton(window, "btn_show_gaps", gapsIcon())),
-      m_dockButton(toolButton(window, "btn_stream_health", chartIcon())),
+      m_gapsButton(toolButton(window, "btn_show_gaps", toolicons::gaps())),
+      m_dockButton(toolButton(window, "btn_stream_health", toolicons::chart())),
       m_gaps(m_parts.viewer, m_parts.render)
 {
     lidar::registerHealthMetaTypes();
@@ -80,7 +51,7 @@ StreamHealthView::StreamHealthView(QMainWindow* window, Parts parts, Place place
     m_dock->hide();
     QAction* toggle = m_dock->toggleViewAction();
     toggle->setObjectName(QStringLiteral("act_stream_health"));
-    toggle->setIcon(chartIcon());
+    toggle->setIcon(toolicons::chart());
     m_dockButton->setDefaultAction(toggle);
     m_gapsButton->setCheckable(true);
     // The view tools' column is full on a 768-pixel screen: both go into the row.
