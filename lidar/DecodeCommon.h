@@ -103,6 +103,10 @@ struct DecodedPacket {
     std::vector<double> azimuths;
     std::vector<int32_t> ids;
     std::vector<uint8_t> kept;
+    // Every azimuth at or above the one before, none above 360 degrees (and
+    // the first not below 0): the points go into the revolution as one run
+    // after the first has been tested for a revolution's end.
+    bool risingBelow360 = false;
     // For the stream-health accounting: the degrees the packet covers, its
     // points with a distance above 0 (counted where the decoder reads its
     // distances) and its GPS time in ns (0: none).
@@ -115,6 +119,7 @@ struct DecodedPacket {
         motorSpeed = -1;
         hasAmbient = false;
         hasDateTime = false;
+        risingBelow360 = false;
         cover = PacketCover();
         returns = 0;
         timeNs = 0;
@@ -154,7 +159,20 @@ struct PacketAngles {
     std::vector<Azimuth> azimuths;
     std::vector<SinCos> trig;
     PacketCover cover;
+    bool risingBelow360 = false;  // as DecodedPacket::risingBelow360
 };
+
+// Whether `azimuths` rise (or stay) from 0 or more to at most 360 degrees.
+template <typename Azimuth>
+bool risesBelow360(const std::vector<Azimuth>& azimuths)
+{
+    if (azimuths.empty() || !(azimuths.front() >= Azimuth(0)))
+        return false;
+    for (size_t i = 0; i < azimuths.size(); ++i)
+        if (!(azimuths[i] <= Azimuth(360)) || (i > 0 && !(azimuths[i] >= azimuths[i - 1])))
+            return false;
+    return true;
+}
 
 // A packet's azimuths follow from its start code (1/100 degree) and its
 // shape: for the Tern family the number of points over its 15 degrees, for
@@ -184,6 +202,7 @@ public:
             slot.trig.resize(slot.azimuths.size());
             for (size_t i = 0; i < slot.azimuths.size(); ++i)
                 slot.trig[i] = computeSinCos(double(slot.azimuths[i]));
+            slot.risingBelow360 = risesBelow360(slot.azimuths);
             slot.code = code;
             slot.shape = shape;
             slot.known = true;
@@ -287,15 +306,34 @@ void placeUncounted(const DecodedPacket& packet, LidarDataPoint_V4& current, Lid
     const auto endsRevolution = [](Azimuth before, Azimuth azimuth) {
         return before > azimuth && std::abs(before - azimuth) > Azimuth(15);
     };
+    const auto startRevolution = [&] {
+        const LidarDataPoint_V4 ended = current;  // shares the points
+        previous = last;
+        callOutOfLine(endRevolution);
+        currentLines.newRevolution(ended);
+        nextLines.forget();
+    };
+    if (packet.risingBelow360 && n > 0) {
+        // Nearly every packet: no point after the first can end the
+        // revolution or pass 360 degrees, and the azimuths the points carry
+        // are already final, so the points go in as they are.
+        if (Q_UNLIKELY(endsRevolution(static_cast<Azimuth>(last), static_cast<Azimuth>(packet.azimuths[0]))))
+            startRevolution();
+        previous = static_cast<Previous>(static_cast<Azimuth>(packet.azimuths[n - 1]));
+        if (packet.channel0Only) {
+            std::vector<LidarPoint>& line = currentLines[0];
+            line.insert(line.end(), packet.points.begin(), packet.points.end());
+        } else {
+            for (size_t i = 0; i < n; ++i)
+                if (packet.kept[i])
+                    currentLines[packet.ids[i]].push_back(packet.points[i]);
+        }
+        return;
+    }
     for (size_t i = 0; i < n;) {
         const Azimuth azimuth = static_cast<Azimuth>(packet.azimuths[i]);
-        if (Q_UNLIKELY(endsRevolution(static_cast<Azimuth>(last), azimuth))) {
-            const LidarDataPoint_V4 ended = current;  // shares the points
-            previous = last;
-            callOutOfLine(endRevolution);
-            currentLines.newRevolution(ended);
-            nextLines.forget();
-        }
+        if (Q_UNLIKELY(endsRevolution(static_cast<Azimuth>(last), azimuth)))
+            startRevolution();
         last = static_cast<Previous>(azimuth);
         if (packet.channel0Only && !(azimuth > Azimuth(360))) {
             // The run of points that stays in this revolution below 360

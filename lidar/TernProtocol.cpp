@@ -151,6 +151,7 @@ void decodeBody(decode::Bytes packet, int angleOffset, int wordsOffset, int word
         });
     for (size_t i = 0; i < size_t(count); ++i)
         decode::setPoint(out, i, 0, angles.azimuths[i], distances[i], intensities[i], angles.trig[i]);
+    out.risingBelow360 = angles.risingBelow360;
 }
 
 CalendarTime decodeVariablePacket(decode::Bytes packet, WordEncoding encoding, decode::DecodedPacket& out)

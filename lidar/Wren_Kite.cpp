@@ -37,6 +37,7 @@ void Wren_Kite::DecodePacket(Bytes packet, DecodedPacket& out)
     }
     out.returns = returns;
     out.cover = angles.cover;
+    out.risingBelow360 = angles.risingBelow360;
 }
 
 bool Wren_Kite::ParseRecordedBatch(const QVector<QByteArray>& packets, QVector<lidar::LidarDataPoint_V4>& frames)

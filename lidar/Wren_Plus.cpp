@@ -44,6 +44,7 @@ void Wren_Plus::DecodePacket(Bytes packet, DecodedPacket& out)
     }
     out.returns = returns;
     out.cover = angles.cover;
+    out.risingBelow360 = angles.risingBelow360;
 }
 
 bool Wren_Plus::ParseRecordedBatch(const QVector<QByteArray>& packets, QVector<lidar::LidarDataPoint_V4>& frames)

@@ -4,7 +4,9 @@
 // codes), every point each model decodes is checked bit for bit against the
 // azimuth and coordinates computed here from the packet layouts, with
 // std::sin and std::cos: met first in one order, then in another, so that
-// codes sharing a place in the table take it from each other.
+// codes sharing a place in the table take it from each other. Packets the
+// placement takes as one run are placed again point by point: the frames
+// must be the same.
 
 #include "PacketBuilders.h"
 #include "TernProtocol.h"
@@ -18,6 +20,7 @@
 #include <QtTest>
 #include <cmath>
 #include <cstring>
+#include <type_traits>
 
 using namespace testing;
 using lidar::decode::DecodedPacket;
@@ -64,6 +67,19 @@ QVector<uint16_t> wordsFor(int code, int n)
     return words;
 }
 
+// A packet may be placed as one run only when its azimuths rise from 0 or
+// more and none passes 360 degrees; empty when the decoder says so rightly.
+template <typename Azimuth>
+QString oneRunMismatch(const DecodedPacket& packet, const QVector<Azimuth>& azimuths)
+{
+    bool oneRun = !azimuths.isEmpty() && azimuths.front() >= Azimuth(0);
+    for (int i = 0; i < azimuths.size(); ++i)
+        oneRun = oneRun && azimuths[i] <= Azimuth(360) && (i == 0 || azimuths[i] >= azimuths[i - 1]);
+    if (packet.risingBelow360 == oneRun)
+        return {};
+    return QStringLiteral("placed as one run: %1, should be %2").arg(packet.risingBelow360).arg(oneRun);
+}
+
 // A Tern-family packet's points: 15 degrees spread over its points from
 // the start angle, in single precision.
 QString checkTern(const QString& model, int code, int words)
@@ -87,12 +103,14 @@ QString checkTern(const QString& model, int code, int words)
         return QStringLiteral("%1 points, not %2").arg(packet.size()).arg(kept.size());
     const float start = static_cast<float>(code / 100.0);
     const float step = static_cast<float>(15.0 / kept.size());
+    QVector<float> azimuths;
     for (int i = 0; i < kept.size(); ++i) {
-        const QString wrong = mismatch(packet, size_t(i), static_cast<float>(i) * step + start, kept[i]);
+        azimuths << static_cast<float>(i) * step + start;
+        const QString wrong = mismatch(packet, size_t(i), azimuths.back(), kept[i]);
         if (!wrong.isEmpty())
             return wrong;
     }
-    return {};
+    return oneRunMismatch(packet, azimuths);
 }
 
 // A Wren-family packet's points: sixteen groups from the start to the end
@@ -119,15 +137,88 @@ QString checkWren(const QString& model, int start, int end)
         last -= Azimuth(360);
     const Azimuth step = (first > last ? last + Azimuth(360) - first : last - first) / Azimuth(15);
     const int channels = model == "Wren_Plus" ? 2 : 1;
+    QVector<Azimuth> azimuths;
     for (int k = 0; k < 16; ++k) {
+        azimuths << first + Azimuth(k) * step;
         for (int c = 0; c < channels; ++c) {
             const int distance = c == 0 ? 100 + k * 97 + start % 1000 : 200 + k;
-            const QString wrong = mismatch(packet, size_t(k * channels + c), first + Azimuth(k) * step, distance);
+            const QString wrong = mismatch(packet, size_t(k * channels + c), azimuths.back(), distance);
             if (!wrong.isEmpty())
                 return wrong;
         }
     }
+    return oneRunMismatch(packet, azimuths);
+}
+
+// Where the placement leaves its frames: the revolutions it handed on, the
+// one being built, the next and its remembered azimuth.
+template <typename Previous>
+struct Placement {
+    QVector<lidar::LidarDataPoint_V4> ended;
+    lidar::LidarDataPoint_V4 current, next;
+    Previous previous = Previous(-1);
+
+    void place(const DecodedPacket& packet)
+    {
+        lidar::decode::placeUncounted<typename std::conditional<std::is_same<Previous, int32_t>::value, double,
+                                                                Previous>::type>(packet, current, next, previous, [this] {
+            ended << current;
+            current = next;
+            next.clear();
+        });
+    }
+};
+
+QString framesDiffer(const lidar::LidarDataPoint_V4& a, const lidar::LidarDataPoint_V4& b)
+{
+    if (a.points.keys() != b.points.keys() || a.motorSpeed != b.motorSpeed || a.ambient != b.ambient)
+        return QStringLiteral("channels or frame fields differ");
+    for (auto line = a.points.constBegin(); line != a.points.constEnd(); ++line) {
+        const std::vector<lidar::LidarPoint>& other = b.points.value(line.key());
+        if (line.value().size() != other.size())
+            return QStringLiteral("channel %1: %2 points, not %3").arg(line.key()).arg(other.size()).arg(line.value().size());
+        if (!line.value().empty() &&
+            std::memcmp(line.value().data(), other.data(), other.size() * sizeof(lidar::LidarPoint)) != 0)
+            return QStringLiteral("channel %1: points differ").arg(line.key());
+    }
     return {};
+}
+
+// Places `packets` as the decoder marked them and again with every packet
+// taken point by point; the frames and the remembered azimuth must agree.
+template <typename Previous>
+QString placedBothWays(const QVector<DecodedPacket>& packets)
+{
+    Placement<Previous> asRuns, pointByPoint;
+    for (DecodedPacket packet : packets) {
+        asRuns.place(packet);
+        packet.risingBelow360 = false;
+        pointByPoint.place(packet);
+    }
+    if (asRuns.ended.size() != pointByPoint.ended.size())
+        return QStringLiteral("%1 revolutions, not %2").arg(asRuns.ended.size()).arg(pointByPoint.ended.size());
+    for (int i = 0; i < asRuns.ended.size(); ++i)
+        if (const QString wrong = framesDiffer(pointByPoint.ended[i], asRuns.ended[i]); !wrong.isEmpty())
+            return QStringLiteral("revolution %1: %2").arg(i).arg(wrong);
+    if (const QString wrong = framesDiffer(pointByPoint.current, asRuns.current); !wrong.isEmpty())
+        return QStringLiteral("revolution being built: ") + wrong;
+    if (const QString wrong = framesDiffer(pointByPoint.next, asRuns.next); !wrong.isEmpty())
+        return QStringLiteral("next revolution: ") + wrong;
+    if (std::memcmp(&asRuns.previous, &pointByPoint.previous, sizeof(Previous)) != 0)
+        return QStringLiteral("remembered azimuth differs");
+    return {};
+}
+
+// Two and a half turns of packets starting every `pitch` 1/100 degree from
+// `first`, among them packets that cross 0 and packets past 360 degrees.
+QVector<int> startCodes(int first, int pitch)
+{
+    QVector<int> codes;
+    for (int turn = 0; turn < 3; ++turn)
+        for (int code = first; code < (turn == 2 ? 18000 : 36000); code += pitch)
+            codes << code;
+    codes << 36500 << 37000;  // start codes above 360 degrees
+    return codes;
 }
 
 }  // namespace
@@ -137,6 +228,8 @@ class PacketAnglesTest : public QObject {
 private slots:
     void everyStartCode_data();
     void everyStartCode();
+    void placedAsOneRun_data();
+    void placedAsOneRun();
 };
 
 void PacketAnglesTest::everyStartCode_data()
@@ -179,6 +272,60 @@ void PacketAnglesTest::everyStartCode()
                 QFAIL(qPrintable(QStringLiteral("start code %1: %2").arg(code).arg(wrong)));
         }
     }
+}
+
+void PacketAnglesTest::placedAsOneRun_data()
+{
+    QTest::addColumn<QString>("model");
+    QTest::addColumn<int>("pitch");  // 1/100 degree from one packet's start to the next
+    QTest::newRow("Tern, 15 degrees") << "Tern" << 1500;
+    QTest::newRow("Tern, overlapping starts") << "Tern" << 1337;
+    QTest::newRow("Tern_Plus, 120 words") << "Tern_Plus" << 1500;
+    QTest::newRow("Wren_Kite") << "Wren_Kite" << 1450;
+    QTest::newRow("Wren_Plus") << "Wren_Plus" << 1450;
+}
+
+void PacketAnglesTest::placedAsOneRun()
+{
+    QFETCH(QString, model);
+    QFETCH(int, pitch);
+    QVector<DecodedPacket> packets;
+    for (const int code : startCodes(pitch / 3, pitch)) {
+        DecodedPacket packet;
+        const QVector<uint16_t> distances = wordsFor(code, model == "Tern_Plus" ? 120 : 42);
+        QVector<WrenKiteGroup> kite;
+        QVector<WrenPlusGroup> plus;
+        for (int k = 0; k < 16; ++k) {
+            // Every fifth group without a return: Wren_Plus keeps only returns.
+            kite << WrenKiteGroup{uint16_t(k % 5 == 0 ? 0 : distances[k]), 3};
+            plus << WrenPlusGroup{uint16_t(k % 5 == 0 ? 0 : distances[k]), 3, uint16_t(200 + k), 4};
+        }
+        const uint16_t end = uint16_t((code + pitch - 40) % 36000);  // a packet near 360 crosses 0
+        if (model == "Tern")
+            Tern::DecodePacket(ternPacket(uint16_t(code), 4167, distances), packet);
+        else if (model == "Tern_Plus")
+            Tern_Plus::DecodePacket(ternLengthPacket(uint16_t(code), 4167, distances, GpsStamp()), packet);
+        else if (model == "Wren_Kite")
+            Wren_Kite::DecodePacket(wrenKitePacket(4167, uint16_t(code), end, kite), packet);
+        else
+            Wren_Plus::DecodePacket(wrenPlusPacket(4167, uint16_t(code), end, plus), packet);
+        packets << packet;
+    }
+    int runs = 0;
+    for (const DecodedPacket& packet : packets)
+        runs += packet.risingBelow360 ? 1 : 0;
+    // Both ways of placing are met.
+    QVERIFY(runs > packets.size() / 2);
+    QVERIFY(runs < packets.size());
+    QString wrong;
+    if (model == "Wren_Kite") {
+        wrong = placedBothWays<double>(packets);  // live
+        if (wrong.isEmpty())
+            wrong = placedBothWays<int32_t>(packets);  // recorded: whole degrees remembered
+    } else {
+        wrong = placedBothWays<float>(packets);
+    }
+    QVERIFY2(wrong.isEmpty(), qPrintable(wrong));
 }
 
 QTEST_GUILESS_MAIN(PacketAnglesTest)
