@@ -20,7 +20,6 @@
 #include <QtTest>
 #include <cmath>
 #include <cstring>
-#include <type_traits>
 
 using namespace testing;
 using lidar::decode::DecodedPacket;
@@ -151,8 +150,9 @@ QString checkWren(const QString& model, int start, int end)
 }
 
 // Where the placement leaves its frames: the revolutions it handed on, the
-// one being built, the next and its remembered azimuth.
-template <typename Previous>
+// one being built, the next and its remembered azimuth. `Azimuth` is the
+// precision it compares in, `Previous` how it remembers the last azimuth.
+template <typename Azimuth, typename Previous>
 struct Placement {
     QVector<lidar::LidarDataPoint_V4> ended;
     lidar::LidarDataPoint_V4 current, next;
@@ -160,8 +160,7 @@ struct Placement {
 
     void place(const DecodedPacket& packet)
     {
-        lidar::decode::placeUncounted<typename std::conditional<std::is_same<Previous, int32_t>::value, double,
-                                                                Previous>::type>(packet, current, next, previous, [this] {
+        lidar::decode::placeUncounted<Azimuth>(packet, current, next, previous, [this] {
             ended << current;
             current = next;
             next.clear();
@@ -186,10 +185,10 @@ QString framesDiffer(const lidar::LidarDataPoint_V4& a, const lidar::LidarDataPo
 
 // Places `packets` as the decoder marked them and again with every packet
 // taken point by point; the frames and the remembered azimuth must agree.
-template <typename Previous>
+template <typename Azimuth, typename Previous>
 QString placedBothWays(const QVector<DecodedPacket>& packets)
 {
-    Placement<Previous> asRuns, pointByPoint;
+    Placement<Azimuth, Previous> asRuns, pointByPoint;
     for (DecodedPacket packet : packets) {
         asRuns.place(packet);
         packet.risingBelow360 = false;
@@ -319,11 +318,11 @@ void PacketAnglesTest::placedAsOneRun()
     QVERIFY(runs < packets.size());
     QString wrong;
     if (model == "Wren_Kite") {
-        wrong = placedBothWays<double>(packets);  // live
+        wrong = placedBothWays<double, double>(packets);  // live
         if (wrong.isEmpty())
-            wrong = placedBothWays<int32_t>(packets);  // recorded: whole degrees remembered
+            wrong = placedBothWays<double, int32_t>(packets);  // recorded: whole degrees remembered
     } else {
-        wrong = placedBothWays<float>(packets);
+        wrong = placedBothWays<float, float>(packets);
     }
     QVERIFY2(wrong.isEmpty(), qPrintable(wrong));
 }
